@@ -5,9 +5,14 @@
 // bytes. Every operation reads a null `text` as "". Positions are 1-based and
 // 0 means "not found". Numbers are formatted through a 256-byte scratch
 // buffer and parsed with the C library's scanf conversions; parse failures
-// give 0. The binary form is a 4-byte native-endian count (strlen + 1)
-// followed by that many bytes, NUL included; a reader accepts counts 1 to
-// 65535 only.
+// give 0. An empty separator never occurs in a string: splitting by it takes
+// the whole string. The binary form is a 4-byte native-endian count
+// (strlen + 1) followed by that many bytes, NUL included; a reader accepts
+// counts 1 to 65535 only.
+//
+// Buffers: assigning reuses the buffer when the new text fits (the rest of it
+// is zeroed), otherwise allocates max(16, length + 1) bytes; appending
+// reallocates to max(16, total + 1) bytes when the total does not fit.
 #ifndef KEZ_FOUNDATION_FSTRING_H_
 #define KEZ_FOUNDATION_FSTRING_H_
 
@@ -71,7 +76,8 @@ class KEZ_EXPORT FString {
   bool SaveToFile(FILE* f) const;
 
   // Helpers on a bare text pointer and its buffer size; each returns the new
-  // buffer size.
+  // buffer size. GetStrBuf releases the old buffer and allocates a zeroed one
+  // of max(16, n) bytes; FreeStr releases it and returns 0.
   static int LetStr(char*& text, int size, const char* s);
   static int AddStr(char*& text, int size, const char* s);
   static int FreeStr(char*& text);
