@@ -13,8 +13,16 @@
 //
 // Configuration changes (functions, sizes, lagCount, lagStride, neighbourMax,
 // lagDecay) are bracketed by ClearBuf() / AllocBuf() and empty the memory.
-// Once configured, AddMemory, Search and kNNSearch allocate nothing.
+// A lagStride below 1 is not accepted: AllocBuf() sets it to 1 (and the
+// searches read any stride below 1 as 1), so no lag walk can run for ever.
+// Once configured, AddMemory, Search and kNNSearch allocate nothing
+// themselves; the only allocation on that path is a stateful operator's
+// history regrowing (one block) at its first step after a reset, that is at
+// the first step after a gap or after ResetValue().
 // One thread owns an object; even searches write its scratch members.
+//
+// Searches return nothing when the memory is not configured, when
+// searchOffset is negative, or (kNNSearch) when lagCount is below 1.
 #ifndef KEZ_SEARCH_VELQASPBASE_H_
 #define KEZ_SEARCH_VELQASPBASE_H_
 
@@ -53,17 +61,31 @@ class KEZ_EXPORT VelqaSPBase {
   VelqaSPBase& operator=(const VelqaSPBase& source);
   virtual ~VelqaSPBase();
 
+  // Makes this a copy of `source`: configuration, functions (fresh, without
+  // operator history), stored steps. Scratch is not copied. Of the weight
+  // table only lagCount x (prediction function count) values are taken from
+  // the source, on purpose; the rest is this object's own, as AllocBuf built
+  // it from the copied functions.
   void Set(const VelqaSPBase& source);
-  void Clear();
-  void AllocBuf();
-  void ClearBuf();
+  void Clear();     // back to the unconfigured default
+  void AllocBuf();  // sizes every buffer and builds the weight table
+  void ClearBuf();  // releases every buffer; the memory is empty
   void SetSize(int memorySize, int rawSize);
+  // Append a heap copy of `function`; the memory is emptied.
   void AddFeatureFunction(VelqaSPFunction& function);
   void AddPredictionFunction(VelqaSPFunction& function);
 
+  // Stores one step of rawSize values and computes its feature and
+  // prediction values.
   void AddMemory(const double* raw);
+  // The neighbourMax past moments whose last lagCount steps best match the
+  // present ones and that were followed by futureSteps valid steps; best
+  // first, ties newest first. `index` and `distance` hold neighbourMax
+  // elements or are null.
   void Search(int futureSteps, int& count, int* index, double* distance);
+  // Nearest stored rows to one feature vector, on the first weight row only.
   void kNNSearch(const double* query, int& count, int* index, double* distance);
+  // Restarts the functions and forgets the stored steps (buffers stay).
   void ResetValue();
 
   // Rows at relative index i: 0 = newest, -1 the one before, 1 = the slot the
@@ -72,12 +94,34 @@ class KEZ_EXPORT VelqaSPBase {
   double* GetFeatureBuffer(int i);
   double* GetPredictionBuffer(int i);
 
-  // Model evolution (offline).
+  // Model evolution (offline). Each of these except EncodeFeature and
+  // GetFeatureStDev empties the memory.
+  //
+  // The feature functions' genomes, in list order.
   void EncodeFeature(FListT<double>& code) const;
+  // Replaces the feature functions by those decoded from `length` values;
+  // stops when the values are used up.
   void DecodeFeature(const double* code, int length);
+  // Population standard deviation of one feature over the stored steps
+  // (NaN when nothing is stored).
   double GetFeatureStDev(int feature);
+  // Sorts the features by decreasing spread (stable).
   void OptimizeFeatureOrder();
+  // One random change of the feature set (add, replace, modify or remove;
+  // modify only at level 0), redrawn until no two features have identical
+  // chains. `pool` holds the chains that count as shared preprocessing.
   void Mutate(int level, const FListP<VelqaSPFunction*>& pool);
+
+ private:
+  int64_t SlotOfAge(int age) const;      // slot of the step `age` steps old
+  int64_t SlotOfRelative(int i) const;   // slot of relative index i
+  bool ValidAtAge(int age) const;        // raw[0] <= 1e306 at that age
+  void FillLagRows();                    // lagRows[a] for every stored age
+  bool SearchReady() const;              // buffers and offset usable
+  // Inserts (d, index) into the sorted result of `size` entries; returns the
+  // new size (at most neighbourMax).
+  int InsertNeighbour(int size, double d, int index);
+  void DeliverNeighbours(int size, int& count, int* index, double* distance) const;
 };
 
 }  // namespace vorn

@@ -33,11 +33,22 @@ class KEZ_EXPORT VelqaSPFunction {
   void ResetValue();
   void FixPreprocessing(const FListP<VelqaSPFunction*>& others);
 
-  // Genome.
+  // Genome. Random choices draw from rand() in a fixed order.
+  //
+  // Same operator count and every operator IsSame; weight, flag and
+  // fixedCount are not compared.
   bool IsSame(const VelqaSPFunction& other) const;
+  // Appends: weight, discrete, each operator's code, -1.
   void Encode(FListT<double>& out) const;
+  // Reads what Encode wrote (see VelqaSPOperator::Decode).
   void Decode(const double*& p, int& remaining);
+  // A random weight in [1, 10000], then, from a random pool member when the
+  // pool is not empty (its weight, flag and fixedCount replace the drawn
+  // weight), random operators until one with a single output wins a coin
+  // toss.
   void GenerateRandomly(int inputCount, const FListP<VelqaSPFunction*>& pool);
+  // Mutates one operator after the shared leading ones, or multiplies the
+  // weight by a factor in [0.1, 10] (a result below 1 is multiplied by 1000).
   void Mutate(int mutateOperator, int inputCount);
 
   int OperatorCount() const { return operators.count; }

@@ -7,6 +7,12 @@
 // reducing kinds (mean, stdev, norm, angle, peak_hold) write output[0] only.
 // Stateful kinds work in units of one call, that is one memory step.
 //
+// State: differential, factor and angle_diff output zeros at their first
+// call after a reset (an empty `history`), lo_pass_filter starts at its
+// input, peak_hold holds from 0. The history is released by ClearBuf,
+// SetOutputDim and a function's ResetValue; the first Calc after that grows
+// it again (one block), later calls allocate nothing.
+//
 // Nothing is validated: `inputs` must index inside the input vector and
 // `output` must have room for what the kind writes.
 #ifndef KEZ_SEARCH_VELQASPOPERATOR_H_
@@ -56,11 +62,22 @@ class KEZ_EXPORT VelqaSPOperator {
   void SetOutputDim(int n);
   void Calc(const double* in);
 
-  // Genome.
+  // Genome. Random choices draw from rand() in a fixed order.
+  //
+  // GenerateRandomly replaces this operator by a random one reading from
+  // `inputCount` inputs; `outputDim` is the requested width on entry (0 for
+  // any) and the actual one on return. With no input, or no kind able to
+  // give the requested width, the operator stays empty and reports 0.
   void GenerateRandomly(unsigned inputCount, unsigned& outputDim);
+  // Regenerates, redraws the inputs or redraws a real parameter, keeping the
+  // output width.
   void Mutate(int inputCount);
+  // Appends: inputs, -1, outputDim, kind, intParams, -1, doubleParams, -1.
   void Encode(FListT<double>& out) const;
+  // Reads what Encode wrote, advancing `p` and counting `remaining` down per
+  // value. Reads stop at `remaining` 0 (they yield end marks from there on).
   void Decode(const double*& p, int& remaining);
+  // Same inputs, width, kind and parameters; history and output not compared.
   bool IsSame(const VelqaSPOperator& other) const;
 
   // Display name of a kind code ("abs", ...), "select" for 0x200, "?" else.

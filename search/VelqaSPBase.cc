@@ -1,0 +1,387 @@
+#include "search/VelqaSPBase.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+namespace vorn {
+
+namespace {
+
+// A raw record whose first element is greater than this marks a gap. The
+// tests are written as `<= kGapLimit` for "valid" and `> kGapLimit` for
+// "invalid", exactly as stated; a NaN first element is neither: it is not
+// taken as the functions' input, does not count as valid history, and does
+// not reset the functions either.
+const double kGapLimit = 1e306;
+const double kNoBound = 1e307;
+const double kMismatch = 1e-5;
+
+// a * b slots, saturating so that an absurd size fails in the allocator
+// instead of wrapping.
+std::size_t Slots(std::size_t a, std::size_t b) {
+  if (a != 0 && b > SIZE_MAX / sizeof(double) / a) return SIZE_MAX / sizeof(double);
+  return a * b;
+}
+
+template <class T>
+void Release(T*& p) {
+  delete[] p;
+  p = nullptr;
+}
+
+void CopyValues(double* to, const double* from, std::size_t n) {
+  if (to == nullptr || from == nullptr) return;
+  for (std::size_t i = 0; i < n; ++i) to[i] = from[i];
+}
+
+void DeleteFunctions(FListP<VelqaSPFunction*>& list) {
+  for (int i = 0; i < list.count; ++i) {
+    VelqaSPFunction*& cell = *list.data[i];
+    delete cell;
+    cell = nullptr;
+  }
+  list.Clear();
+}
+
+void CopyFunctions(FListP<VelqaSPFunction*>& to, const FListP<VelqaSPFunction*>& from) {
+  for (int i = 0; i < from.count; ++i) {
+    to.Add(new VelqaSPFunction*(new VelqaSPFunction(**from.data[i])));
+  }
+}
+
+}  // namespace
+
+VelqaSPBase::VelqaSPBase() {}
+
+VelqaSPBase::VelqaSPBase(const VelqaSPBase& source) { Set(source); }
+
+VelqaSPBase& VelqaSPBase::operator=(const VelqaSPBase& source) {
+  if (this != &source) {
+    Clear();
+    Set(source);
+  }
+  return *this;
+}
+
+VelqaSPBase::~VelqaSPBase() { Clear(); }
+
+void VelqaSPBase::Set(const VelqaSPBase& source) {
+  if (this == &source) return;
+  Clear();
+  memorySize = source.memorySize;
+  rawSize = source.rawSize;
+  neighbourMax = source.neighbourMax;
+  CopyFunctions(featureFunctions, source.featureFunctions);
+  CopyFunctions(predictionFunctions, source.predictionFunctions);
+  writePos = source.writePos;
+  storedCount = source.storedCount;
+  lagCount = source.lagCount;
+  lagStride = source.lagStride;
+  lagDecay = source.lagDecay;
+  searchOffset = source.searchOffset;
+  AllocBuf();
+
+  const std::size_t M = memorySize;
+  const std::size_t R = rawSize;
+  const std::size_t F = static_cast<std::size_t>(featureFunctions.count);
+  const std::size_t P = static_cast<std::size_t>(predictionFunctions.count);
+  CopyValues(rawBuffer, source.rawBuffer, M * R);
+  CopyValues(rawInput, source.rawInput, R);
+  CopyValues(featureBuffer, source.featureBuffer, M * F);
+  CopyValues(predictionBuffer, source.predictionBuffer, M * P);
+  // The weight table copy counts L x P values (prediction functions, not
+  // feature functions), kept as it stands; it never reaches past the L x F
+  // values the table holds. The values equal what AllocBuf just computed
+  // unless the source's weights were changed after its own AllocBuf.
+  if (lagCount > 0) {
+    const std::size_t L = static_cast<std::size_t>(lagCount);
+    const std::size_t n = P < F ? L * P : L * F;
+    CopyValues(distanceWeights, source.distanceWeights, n);
+  }
+}
+
+void VelqaSPBase::Clear() {
+  ClearBuf();
+  memorySize = 0;
+  rawSize = 0;
+  neighbourMax = 32;
+  DeleteFunctions(featureFunctions);
+  DeleteFunctions(predictionFunctions);
+  lagCount = 8;
+  lagStride = 1;
+  lagDecay = 1.0;
+  searchOffset = 0;
+}
+
+void VelqaSPBase::AllocBuf() {
+  if (lagStride < 1) lagStride = 1;  // a stride below 1 would never end a lag walk
+  if (memorySize == 0) return;
+  const std::size_t M = memorySize;
+  const std::size_t R = rawSize;
+  const std::size_t F = static_cast<std::size_t>(featureFunctions.count);
+  const std::size_t P = static_cast<std::size_t>(predictionFunctions.count);
+  if (R != 0) {
+    rawBuffer = new double[Slots(M, R)];
+    // Zeroed so that functions fed before the first valid record read
+    // defined values.
+    rawInput = new double[R]();
+    featureBuffer = new double[Slots(M, F)];
+    predictionBuffer = new double[Slots(M, P)];
+  }
+  if (F != 0 && lagCount > 0) {
+    const std::size_t L = static_cast<std::size_t>(lagCount);
+    distanceWeights = new double[Slots(L, F)];
+    double factor = 1.0;
+    std::size_t m = 0;
+    for (; static_cast<int64_t>(m) * lagStride < lagCount; ++m) {
+      double* row = distanceWeights + m * F;
+      for (std::size_t i = 0; i < F; ++i) {
+        const VelqaSPFunction& f = **featureFunctions.data[i];
+        row[i] = factor * f.weight * static_cast<double>(1 - 2 * f.discrete);
+      }
+      factor = factor * lagDecay;
+    }
+    // Rows past ceil(L/S) are never read; zero them so that copies stay
+    // defined.
+    for (std::size_t k = m * F; k < L * F; ++k) distanceWeights[k] = 0.0;
+  }
+  lagRows = new double*[M + (lagCount > 0 ? static_cast<std::size_t>(lagCount) : 0)];
+  if (neighbourMax != 0) {
+    neighbourIndex = new int32_t[neighbourMax];
+    neighbourDistance = new double[neighbourMax];
+  }
+}
+
+void VelqaSPBase::ClearBuf() {
+  Release(rawBuffer);
+  Release(rawInput);
+  Release(featureBuffer);
+  Release(predictionBuffer);
+  Release(distanceWeights);
+  Release(lagRows);
+  Release(neighbourIndex);
+  Release(neighbourDistance);
+  writePos = 0;
+  storedCount = 0;
+}
+
+void VelqaSPBase::SetSize(int size, int raw) {
+  ClearBuf();
+  memorySize = static_cast<uint32_t>(size);
+  rawSize = static_cast<uint32_t>(raw);
+  AllocBuf();
+}
+
+void VelqaSPBase::AddFeatureFunction(VelqaSPFunction& function) {
+  ClearBuf();
+  featureFunctions.Add(new VelqaSPFunction*(new VelqaSPFunction(function)));
+  AllocBuf();
+}
+
+void VelqaSPBase::AddPredictionFunction(VelqaSPFunction& function) {
+  ClearBuf();
+  predictionFunctions.Add(new VelqaSPFunction*(new VelqaSPFunction(function)));
+  AllocBuf();
+}
+
+void VelqaSPBase::AddMemory(const double* raw) {
+  if (rawBuffer == nullptr) return;  // not configured
+  const std::size_t R = rawSize;
+  const std::size_t F = static_cast<std::size_t>(featureFunctions.count);
+  const std::size_t P = static_cast<std::size_t>(predictionFunctions.count);
+  const std::size_t slot = writePos;
+  double* stored = rawBuffer + slot * R;
+  for (std::size_t k = 0; k < R; ++k) stored[k] = raw[k];
+  if (raw[0] <= kGapLimit) {
+    for (std::size_t k = 0; k < R; ++k) rawInput[k] = raw[k];
+  }
+  // Every function runs every step, gap or not, so that stateful operators
+  // advance exactly once per step.
+  double* features = featureBuffer + slot * F;
+  for (std::size_t i = 0; i < F; ++i) features[i] = (**featureFunctions.data[i]).Calc(rawInput);
+  double* predictions = predictionBuffer + slot * P;
+  for (std::size_t j = 0; j < P; ++j) {
+    predictions[j] = (**predictionFunctions.data[j]).Calc(rawInput);
+  }
+  if (raw[0] > kGapLimit) {
+    // Filters and differences restart after a gap.
+    for (std::size_t i = 0; i < F; ++i) (**featureFunctions.data[i]).ResetValue();
+    for (std::size_t j = 0; j < P; ++j) (**predictionFunctions.data[j]).ResetValue();
+  }
+  if (storedCount < memorySize) ++storedCount;
+  writePos = writePos + 1 == memorySize ? 0 : writePos + 1;
+}
+
+int64_t VelqaSPBase::SlotOfAge(int age) const {
+  int64_t slot = static_cast<int64_t>(writePos) - 1 - age;
+  if (slot < 0) slot += memorySize;
+  return slot;
+}
+
+bool VelqaSPBase::ValidAtAge(int age) const {
+  return rawBuffer[SlotOfAge(age) * static_cast<int64_t>(rawSize)] <= kGapLimit;
+}
+
+void VelqaSPBase::FillLagRows() {
+  const int64_t F = featureFunctions.count;
+  const int n = static_cast<int>(storedCount);
+  int64_t slot = static_cast<int64_t>(writePos) - 1;
+  if (slot < 0) slot += memorySize;
+  for (int a = 0; a < n; ++a) {
+    lagRows[a] = featureBuffer + slot * F;
+    slot = slot == 0 ? static_cast<int64_t>(memorySize) - 1 : slot - 1;
+  }
+}
+
+int VelqaSPBase::InsertNeighbour(int size, double d, int index) {
+  const int K = static_cast<int>(neighbourMax);
+  int pos = size;
+  // Entries strictly farther move down (the one pushed past K - 1 falls
+  // off); equal distances keep the newer candidate first.
+  while (pos > 0 && neighbourDistance[pos - 1] > d) {
+    if (pos < K) {
+      neighbourDistance[pos] = neighbourDistance[pos - 1];
+      neighbourIndex[pos] = neighbourIndex[pos - 1];
+    }
+    --pos;
+  }
+  if (pos < K) {
+    neighbourDistance[pos] = d;
+    neighbourIndex[pos] = index;
+  }
+  return size < K ? size + 1 : size;
+}
+
+void VelqaSPBase::DeliverNeighbours(int size, int& count, int* index, double* distance) const {
+  count = size;
+  for (int k = 0; k < size; ++k) {
+    if (index != nullptr) index[k] = neighbourIndex[k];
+    if (distance != nullptr) distance[k] = neighbourDistance[k];
+  }
+}
+
+bool VelqaSPBase::SearchReady() const {
+  const int F = featureFunctions.count;
+  return searchOffset >= 0 && neighbourMax != 0 && neighbourIndex != nullptr &&
+         rawBuffer != nullptr && lagRows != nullptr && (F == 0 || distanceWeights != nullptr);
+}
+
+void VelqaSPBase::Search(int futureSteps, int& count, int* index, double* distance) {
+  count = 0;
+  const int N = static_cast<int>(storedCount);
+  const int O = searchOffset;
+  const int L = lagCount;
+  const int S = lagStride < 1 ? 1 : lagStride;
+  const int K = static_cast<int>(neighbourMax);
+  const int F = featureFunctions.count;
+  if (N - O <= L) return;  // strictly more than L stored steps are needed
+  if (!SearchReady()) return;
+
+  // Query length: the valid steps at ages 0, 1, ... up to the first gap.
+  int q = 0;
+  while (q < L && q < N && ValidAtAge(q)) ++q;
+  FillLagRows();
+  if (q == 0 || N - O < q) return;
+
+  double bound = kNoBound;
+  int size = 0;
+  int run = 0;  // consecutive valid steps just newer than the candidate
+  const int last = N - O - q;
+  for (int j = 0; j <= last; ++j) {
+    const int c = O + j;
+    if (run >= futureSteps && bound >= 0) {
+      double D = 0;
+      bool keep = false;
+      int m = 0;
+      int l = 0;
+      for (;;) {
+        const double* now = lagRows[l];
+        const double* then = lagRows[c + l];
+        const double* w = distanceWeights + static_cast<int64_t>(m) * F;
+        for (int i = 0; i < F; ++i) {
+          const double d = now[i] - then[i];
+          const double wi = w[i];
+          if (wi >= 0) {
+            D += wi * (d * d);
+          } else if (wi < 0) {
+            // A negative weight counts a mismatch, whatever its size.
+            if (std::fabs(d) > kMismatch) D += -wi;
+          }
+        }
+        if (l < q - S) {
+          if (D > bound) break;  // early abandon
+          ++m;
+          l += S;
+        } else {
+          keep = D <= bound;
+          break;
+        }
+      }
+      if (keep) {
+        size = InsertNeighbour(size, D, -j);
+        if (size == K) bound = neighbourDistance[K - 1];
+      }
+    }
+    run = ValidAtAge(c) ? run + 1 : 0;
+  }
+  DeliverNeighbours(size, count, index, distance);
+}
+
+void VelqaSPBase::kNNSearch(const double* query, int& count, int* index, double* distance) {
+  count = 0;
+  const int N = static_cast<int>(storedCount);
+  const int O = searchOffset;
+  const int L = lagCount;
+  const int K = static_cast<int>(neighbourMax);
+  const int F = featureFunctions.count;
+  if (N - O <= L) return;
+  // Without a lag there is no weight row and the candidate range would
+  // reach past the oldest stored step.
+  if (L < 1 || !SearchReady()) return;
+  FillLagRows();
+
+  double bound = kNoBound;
+  int size = 0;
+  const int last = N - O - L;
+  for (int j = 0; j <= last; ++j) {
+    const double* row = lagRows[O + j];
+    double D = 0;
+    // No mismatch rule here: a negative weight simply subtracts.
+    for (int i = 0; i < F; ++i) {
+      const double d = query[i] - row[i];
+      D += distanceWeights[i] * (d * d);
+    }
+    if (D > bound) continue;
+    size = InsertNeighbour(size, D, -j);
+    if (size == K) bound = neighbourDistance[K - 1];
+  }
+  DeliverNeighbours(size, count, index, distance);
+}
+
+void VelqaSPBase::ResetValue() {
+  for (int i = 0; i < featureFunctions.count; ++i) (**featureFunctions.data[i]).ResetValue();
+  for (int j = 0; j < predictionFunctions.count; ++j) (**predictionFunctions.data[j]).ResetValue();
+  writePos = 0;
+  storedCount = 0;
+}
+
+int64_t VelqaSPBase::SlotOfRelative(int i) const {
+  int64_t slot = static_cast<int64_t>(writePos) - 1 + i;
+  if (slot < 0) slot += memorySize;
+  return slot;
+}
+
+double* VelqaSPBase::GetRAWBuffer(int i) {
+  return rawBuffer + SlotOfRelative(i) * static_cast<int64_t>(rawSize);
+}
+
+double* VelqaSPBase::GetFeatureBuffer(int i) {
+  return featureBuffer + SlotOfRelative(i) * static_cast<int64_t>(featureFunctions.count);
+}
+
+double* VelqaSPBase::GetPredictionBuffer(int i) {
+  return predictionBuffer + SlotOfRelative(i) * static_cast<int64_t>(predictionFunctions.count);
+}
+
+}  // namespace vorn
