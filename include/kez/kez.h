@@ -41,8 +41,9 @@ typedef struct stMobilePowerPredictionData {
 /* Opaque handle of an instance. */
 typedef void* kez_handle;
 
-/* Writes the version text "1.04.21" into `buffer` (zero-filled first, cut to
- * size - 1 characters) and returns its full length, 7. */
+/* Writes the version text "1.04.21" into `buffer` (all `size` bytes
+ * zero-filled first, the text cut to size - 1 characters) and returns its
+ * full length, 7. A null buffer or a size of 0 or less writes nothing. */
 KEZ_EXPORT int kez_get_version(char* buffer, int size);
 
 /* Creates an instance with the built-in default model and an empty memory. */
@@ -62,17 +63,20 @@ KEZ_EXPORT int kez_addStatusValue(kez_handle handle, uint64_t timeMs,
 /* Reports one status sample as a comma-separated log line: time in ms in
  * column 0, level % in 2, charging in 3, countB1/countB2 in 19/20,
  * aux1..aux3 in 24..26, countA in 29 (a line has at least 30 columns;
- * missing ones read as 0). Does nothing for a null handle. */
+ * missing ones read as 0). Splitting stops early when a field equals all
+ * the text after it, so a line ending in two equal fields ("...,5,5") loses
+ * both. Does nothing for a null handle or a null line. */
 KEZ_EXPORT void kez_addStatusValues(kez_handle handle, const char* line);
 
-/* Forecasts `count` steps into `out` (room for `count` records, and for one
- * record even when count < 1: element 0's distance is always written).
+/* Forecasts `count` steps into `out`, which has room for `count` records;
+ * element 0 carries the distance.
  *   kez_predict:                      free forecast;
  *   kez_predict_without_charging:     not charged during the next day;
  *   kez_predict_at_charging_starting: plugged in now, for the next day.
  * Return 1 when done, -1 for a null handle (out untouched). An absurd count
- * whose working memory cannot be allocated returns 0 and leaves out
- * untouched. A forecast changes nothing the instance has learned. */
+ * whose working memory cannot be allocated, or a null `out` with
+ * count >= 1, returns 0 and leaves out untouched. A count below 1 writes
+ * nothing into out. A forecast changes nothing the instance has learned. */
 KEZ_EXPORT int kez_predict(kez_handle handle, int count,
                            stMobilePowerPredictionData* out);
 KEZ_EXPORT int kez_predict_without_charging(kez_handle handle, int count,
