@@ -1,0 +1,172 @@
+package io.kez;
+
+import java.time.Duration;
+import java.util.AbstractList;
+import java.util.List;
+import java.util.Optional;
+
+/**
+ * One forecast: for each 10-minute step the battery level in percent and the chance that the
+ * phone is charging, plus how well the present resembled the past.
+ *
+ * <p>Step k (from 0) is the moment (k + 1) x 10 minutes after the last reported sample. The
+ * derived answers ({@link #firstStep}, {@link #timeUntilEmpty}, ...) apply the rules of the C
+ * library's {@code kez_forecast_find} to the values held here: the first step that meets an
+ * inclusive test, or none. Levels are compared in percent as Java received them. Immutable.
+ */
+public final class Forecast {
+  /** Minutes per forecast step. */
+  public static final int STEP_MINUTES = 10;
+  /** The {@link #distance()} of a forecast made without any similar past moment. */
+  public static final float NO_SIMILAR_PAST = 100.0f;
+
+  /** One step of a forecast. */
+  public static final class Step {
+    private final int index;
+    private final float levelPercent;
+    private final float chargingChance;
+
+    Step(int index, float levelPercent, float chargingChance) {
+      this.index = index;
+      this.levelPercent = levelPercent;
+      this.chargingChance = chargingChance;
+    }
+
+    /** Index k of the step, from 0. */
+    public int index() {
+      return index;
+    }
+
+    /** Minutes after the last reported sample: (k + 1) x 10. */
+    public long minutesAhead() {
+      return Forecast.minutesAhead(index);
+    }
+
+    /** Forecast battery level, 0 to 100. */
+    public float levelPercent() {
+      return levelPercent;
+    }
+
+    /** Chance that the phone is charging, 0 to 1. */
+    public float chargingChance() {
+      return chargingChance;
+    }
+
+    @Override
+    public String toString() {
+      return "+" + minutesAhead() + " min: " + levelPercent + " %, charging " + chargingChance;
+    }
+  }
+
+  private final Variant variant;
+  private final float[] levels;
+  private final float[] charging;
+  private final float distance;
+
+  Forecast(Variant variant, float[] levels, float[] charging, float distance) {
+    this.variant = variant;
+    this.levels = levels;
+    this.charging = charging;
+    this.distance = distance;
+  }
+
+  /** Minutes after the last reported sample at which step {@code step} stands. */
+  public static long minutesAhead(int step) {
+    return (step + 1L) * STEP_MINUTES;
+  }
+
+  /** The question this forecast answers. */
+  public Variant variant() {
+    return variant;
+  }
+
+  /** Number of steps. */
+  public int size() {
+    return levels.length;
+  }
+
+  /** Level of step {@code step} in percent, 0 to 100. */
+  public float levelPercent(int step) {
+    return levels[step];
+  }
+
+  /** Charging chance of step {@code step}, 0 to 1. */
+  public float chargingChance(int step) {
+    return charging[step];
+  }
+
+  /**
+   * The mean distance of the similar past moments the forecast was made from, with 100
+   * counted in: smaller is more alike; exactly {@link #NO_SIMILAR_PAST} when none was found and
+   * the forecast extrapolates the phone's recent charge and discharge rates. A forecast of no
+   * steps carries no distance: 0.
+   */
+  public float distance() {
+    return distance;
+  }
+
+  /** The steps, in order, as a read-only list. */
+  public List<Step> steps() {
+    return new AbstractList<Step>() {
+      @Override
+      public Step get(int i) {
+        return new Step(i, levels[i], charging[i]);
+      }
+
+      @Override
+      public int size() {
+        return levels.length;
+      }
+    };
+  }
+
+  /**
+   * The first step index that meets {@code query} with {@code threshold} (percent for levels, 0
+   * to 1 for the charging chance), or -1 when no step does.
+   */
+  public int firstStep(StepQuery query, double threshold) {
+    for (int k = 0; k < levels.length; k++) {
+      if (query.test(levels[k], charging[k], threshold)) return k;
+    }
+    return -1;
+  }
+
+  /** Time from the last sample until the first step that meets the query; empty when none does. */
+  public Optional<Duration> timeUntil(StepQuery query, double threshold) {
+    int k = firstStep(query, threshold);
+    return k < 0 ? Optional.<Duration>empty() : Optional.of(Duration.ofMinutes(minutesAhead(k)));
+  }
+
+  /** Time until the level falls to {@code percent} or below. */
+  public Optional<Duration> timeUntilLevelAtOrBelow(float percent) {
+    return timeUntil(StepQuery.LEVEL_AT_OR_BELOW, percent);
+  }
+
+  /** Time until the level rises to {@code percent} or above. */
+  public Optional<Duration> timeUntilLevelAtOrAbove(float percent) {
+    return timeUntil(StepQuery.LEVEL_AT_OR_ABOVE, percent);
+  }
+
+  /** Time until the battery is empty (0 %); most telling on a {@link Variant#WITHOUT_CHARGING} forecast. */
+  public Optional<Duration> timeUntilEmpty() {
+    return timeUntilLevelAtOrBelow(0.0f);
+  }
+
+  /**
+   * Time until the battery is full (100 %); most telling on a {@link Variant#CHARGING_STARTING}
+   * forecast, or on a free one while the phone is charging.
+   */
+  public Optional<Duration> timeUntilFull() {
+    return timeUntilLevelAtOrAbove(100.0f);
+  }
+
+  /** Time until the phone is more likely charging than not (chance 0.5 or more). */
+  public Optional<Duration> timeUntilCharging() {
+    return timeUntil(StepQuery.CHARGING_AT_OR_ABOVE, 0.5);
+  }
+
+  @Override
+  public String toString() {
+    return "Forecast[" + variant + ", " + levels.length + " steps, distance " + distance + "]";
+  }
+}
