@@ -1,0 +1,5 @@
+#include "table/VelqaTimeSeriesDataTableColBlockInfo.h"
+
+VelqaTimeSeriesDataTableColBlockInfo::VelqaTimeSeriesDataTableColBlockInfo() {}
+
+VelqaTimeSeriesDataTableColBlockInfo::~VelqaTimeSeriesDataTableColBlockInfo() {}
