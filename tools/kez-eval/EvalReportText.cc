@@ -1,0 +1,352 @@
+// The readable report: tables per log, the verdict against the baselines
+// and the notes.
+#include "EvalReport.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "ForecastOutput.h"
+#include "TimeText.h"
+
+namespace kez_eval {
+
+namespace {
+
+using kez_tools::FormatDateTime;
+using kez_tools::FormatDuration;
+
+constexpr int kMethodWidth = 15;
+
+std::string Fixed(double v, int digits) {
+  if (std::isnan(v)) return "-";
+  char b[64];
+  std::snprintf(b, sizeof b, "%.*f", digits, v);
+  return b;
+}
+
+std::string Hours(int64_t ms) {
+  char b[32];
+  std::snprintf(b, sizeof b, "%g h", static_cast<double>(ms) / 3600000.0);
+  return b;
+}
+
+std::string Share(size_t part, size_t whole) {
+  if (whole == 0) return "-";
+  return Fixed(100.0 * static_cast<double>(part) / static_cast<double>(whole),
+               1) + " %";
+}
+
+std::string PadLeft(const std::string& s, size_t width) {
+  return s.size() >= width ? s : std::string(width - s.size(), ' ') + s;
+}
+
+std::string PadRight(const std::string& s, size_t width) {
+  return s.size() >= width ? s : s + std::string(width - s.size(), ' ');
+}
+
+std::string Count(size_t n, const char* one, const char* many) {
+  return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+// Index of the smallest non-NaN value, or -1.
+int Best(const double (&values)[kMethodCount]) {
+  int best = -1;
+  for (int m = 0; m < kMethodCount; ++m) {
+    if (std::isnan(values[m])) continue;
+    if (best < 0 || values[m] < values[best]) best = m;
+  }
+  return best;
+}
+
+// Best baseline (not the forecaster), or -1.
+int BestBaseline(const double (&values)[kMethodCount]) {
+  int best = -1;
+  for (int m = kPersistence; m < kMethodCount; ++m) {
+    if (std::isnan(values[m])) continue;
+    if (best < 0 || values[m] < values[best]) best = m;
+  }
+  return best;
+}
+
+std::string MethodHeader() {
+  std::string s;
+  for (int m = 0; m < kMethodCount; ++m) {
+    s += PadLeft(MethodTitle(m), kMethodWidth);
+  }
+  return s;
+}
+
+// Cells of one row, the best (and any method level with it) marked '*'.
+std::string MethodCells(const double (&values)[kMethodCount],
+                        const std::string (&cells)[kMethodCount]) {
+  int best = Best(values);
+  std::string s;
+  for (int m = 0; m < kMethodCount; ++m) {
+    bool top = best >= 0 && values[m] == values[best];
+    s += PadLeft(cells[m] + (top ? "*" : " "), kMethodWidth);
+  }
+  return s;
+}
+
+void WriteLevelTable(std::ostream& out, const LogEvaluation& r, int c) {
+  if (c == kFreeForecast) {
+    out << "Level, free forecast: mean absolute error (90th percentile), "
+           "percentage points\n";
+  } else {
+    out << "Level, not charged (forecasts followed by no charging up to the "
+           "horizon): mean absolute error (90th percentile), percentage "
+           "points\n";
+  }
+  out << PadRight("horizon", 8) << PadLeft("pairs", 6)
+      << (c == kFreeForecast ? PadLeft("learned", 9) : std::string())
+      << MethodHeader() << "  left out\n";
+  for (const HorizonResult& h : r.horizons) {
+    double values[kMethodCount];
+    std::string cells[kMethodCount];
+    for (int m = 0; m < kMethodCount; ++m) {
+      values[m] = h.level[c][m].Mean();
+      cells[m] = Fixed(values[m], 2) + " (" +
+                 Fixed(h.level[c][m].Percentile90(), 1) + ")";
+      if (std::isnan(values[m])) cells[m] = "-";
+    }
+    const size_t pairs = h.level[c][kForecaster].count();
+    std::string left;
+    auto add = [&left](size_t n, const char* what) {
+      if (n == 0) return;
+      if (!left.empty()) left += ", ";
+      left += std::to_string(n) + " " + what;
+    };
+    if (c == kNotCharged) add(h.nocharge_left_charging, "charging");
+    add(c == kFreeForecast ? h.left_in_silence : h.nocharge_left_silence,
+        "in silences");
+    add(c == kFreeForecast ? h.left_after_end : h.nocharge_left_after_end,
+        "after the end");
+    out << PadRight(Hours(h.horizon_ms), 8)
+        << PadLeft(std::to_string(pairs), 6)
+        << (c == kFreeForecast ? PadLeft(Share(h.learned, h.pairs), 9)
+                               : std::string())
+        << MethodCells(values, cells) << "  " << (left.empty() ? "-" : left)
+        << "\n";
+  }
+  out << "\n";
+}
+
+void WriteBrierTable(std::ostream& out, const LogEvaluation& r) {
+  out << "Chance of charging, free forecast: Brier score (0 is perfect; a "
+         "constant 50 % scores 0.25)\n";
+  out << PadRight("horizon", 8) << PadLeft("pairs", 6) << MethodHeader()
+      << "\n";
+  for (const HorizonResult& h : r.horizons) {
+    double values[kMethodCount];
+    std::string cells[kMethodCount];
+    for (int m = 0; m < kMethodCount; ++m) {
+      values[m] = h.charging[m].Brier();
+      cells[m] = Fixed(values[m], 3);
+    }
+    out << PadRight(Hours(h.horizon_ms), 8)
+        << PadLeft(std::to_string(h.charging[kForecaster].count()), 6)
+        << MethodCells(values, cells) << "\n";
+  }
+  out << "\n";
+}
+
+std::string Percent(double v) {
+  char b[32];
+  std::snprintf(b, sizeof b, "%g %%", v);
+  return b;
+}
+
+void WriteLowTable(std::ostream& out, const LogEvaluation& r,
+                   int64_t longest_ms) {
+  out << "Time to reach " << Percent(r.low_percent)
+      << ": mean absolute error in minutes [forecasts that did not reach it "
+         "within "
+      << Hours(longest_ms) << "]\n";
+  out << "  " << Count(r.low.events, "forecast", "forecasts")
+      << " where the phone was not charging and the log ran down to "
+      << Percent(r.low_percent) << " within " << Hours(longest_ms)
+      << " without charging\n";
+  if (r.low.events == 0) {
+    out << "\n";
+    return;
+  }
+  out << PadRight("variant", 14) << MethodHeader() << "\n";
+  for (int c = 0; c < kConditionCount; ++c) {
+    double values[kMethodCount];
+    std::string cells[kMethodCount];
+    for (int m = 0; m < kMethodCount; ++m) {
+      values[m] = r.low.minutes[c][m].Mean();
+      cells[m] = Fixed(values[m], 0) + " [" +
+                 std::to_string(r.low.misses[c][m]) + "]";
+    }
+    out << PadRight(ConditionTitle(c), 14) << MethodCells(values, cells)
+        << "\n";
+  }
+  out << "\n";
+}
+
+void WriteSection(std::ostream& out, const ReportHeader& header,
+                  const LogEvaluation& r, bool combined) {
+  const kez_tools::DisplayZone& z = header.zone;
+  out << "== " << r.source << " ==\n";
+  if (combined) {
+    out << "Logs       " << r.logs << " logs, "
+        << Count(r.samples, "sample", "samples") << ", "
+        << FormatDuration(r.span_ms) << " in all\n";
+  } else {
+    out << "Log        " << Count(r.samples, "sample", "samples") << ", "
+        << FormatDateTime(r.first_ms, z) << " to "
+        << FormatDateTime(r.last_ms, z) << " " << z.Name(r.last_ms) << " ("
+        << FormatDuration(r.span_ms) << ")\n";
+    if (r.replay.samples_read > 0) {
+      out << "Replay     "
+          << kez_tools::DescribeReplay(header.options.replay, r.replay)
+          << "\n";
+    }
+  }
+  out << "Forecasts  ";
+  if (!combined && r.first_point_ms >= 0) {
+    out << "every " << FormatDuration(header.options.every_ms) << " from "
+        << FormatDateTime(r.first_point_ms, z) << " to "
+        << FormatDateTime(r.last_point_ms, z) << ": ";
+  }
+  out << r.points.made << " made";
+  if (r.points.planned != r.points.made) {
+    out << " of " << r.points.planned << " points";
+  }
+  if (r.points.made > 0) {
+    out << "; " << r.points.learned << " ("
+        << Share(r.points.learned, r.points.made)
+        << ") learned from similar past moments, "
+        << r.points.made - r.points.learned
+        << " extrapolated from the running rates";
+  }
+  out << "\n\n";
+  if (r.points.made > 0) {
+    WriteLevelTable(out, r, kFreeForecast);
+    WriteLevelTable(out, r, kNotCharged);
+    WriteBrierTable(out, r);
+    WriteLowTable(out, r, header.options.horizons_ms.back());
+    out << "(* marks the best of a row.)\n";
+    std::vector<std::string> verdict = Verdict(r);
+    if (!verdict.empty()) {
+      out << "Against the baselines:\n";
+      for (const std::string& v : verdict) out << "  " << v << "\n";
+    }
+  }
+  if (!r.notes.empty()) {
+    out << "Notes:\n";
+    for (const std::string& n : r.notes) out << "  " << n << "\n";
+  }
+  out << "\n";
+}
+
+std::string VerdictLine(const std::string& what,
+                        const std::vector<std::string>& beaten, size_t wins,
+                        size_t ties, size_t total) {
+  if (total == 0) return "";
+  if (wins == total) {
+    return what + ": the forecaster is best at every horizon (" +
+           std::to_string(total) + ").";
+  }
+  std::string s = what + ": the forecaster is best at " +
+                  std::to_string(wins) + " of " + std::to_string(total) +
+                  " horizons";
+  if (ties > 0) {
+    s += ", level with the best baseline at " + std::to_string(ties);
+  }
+  if (beaten.empty()) return s + ".";
+  s += "; beaten at ";
+  for (size_t i = 0; i < beaten.size(); ++i) {
+    if (i > 0) s += ", ";
+    s += beaten[i];
+  }
+  return s + ".";
+}
+
+}  // namespace
+
+std::vector<std::string> Verdict(const LogEvaluation& r) {
+  std::vector<std::string> lines;
+  struct Metric {
+    const char* what;
+    int condition;  // -1: Brier
+    int digits;
+  };
+  const Metric metrics[] = {{"Level, free forecast", kFreeForecast, 2},
+                            {"Level, not charged", kNotCharged, 2},
+                            {"Chance of charging", -1, 3}};
+  for (const Metric& metric : metrics) {
+    std::vector<std::string> beaten;
+    size_t wins = 0, ties = 0, total = 0;
+    for (const HorizonResult& h : r.horizons) {
+      double values[kMethodCount];
+      for (int m = 0; m < kMethodCount; ++m) {
+        values[m] = metric.condition < 0 ? h.charging[m].Brier()
+                                         : h.level[metric.condition][m].Mean();
+      }
+      if (std::isnan(values[kForecaster])) continue;
+      ++total;
+      int best = BestBaseline(values);
+      if (best < 0 || values[kForecaster] < values[best]) {
+        ++wins;
+      } else if (values[kForecaster] == values[best]) {
+        ++ties;
+      } else {
+        beaten.push_back(Hours(h.horizon_ms) + " (" + MethodTitle(best) +
+                         " " + Fixed(values[best], metric.digits) +
+                         " against " +
+                         Fixed(values[kForecaster], metric.digits) + ")");
+      }
+    }
+    std::string line = VerdictLine(metric.what, beaten, wins, ties, total);
+    if (!line.empty()) lines.push_back(line);
+  }
+  if (r.low.events > 0) {
+    for (int c = 0; c < kConditionCount; ++c) {
+      double values[kMethodCount];
+      for (int m = 0; m < kMethodCount; ++m) {
+        values[m] = r.low.minutes[c][m].Mean();
+      }
+      int best = BestBaseline(values);
+      std::string what = "Time to " + Percent(r.low_percent) + ", " +
+                         ConditionTitle(c) + ": ";
+      if (best < 0 || values[kForecaster] < values[best]) {
+        lines.push_back(what + "the forecaster is best (" +
+                        Fixed(values[kForecaster], 0) + " min).");
+      } else if (values[kForecaster] == values[best]) {
+        lines.push_back(what + "the forecaster is level with " +
+                        MethodTitle(best) + " (" +
+                        Fixed(values[kForecaster], 0) + " min).");
+      } else {
+        lines.push_back(what + "beaten by " + MethodTitle(best) + " (" +
+                        Fixed(values[best], 0) + " min against " +
+                        Fixed(values[kForecaster], 0) + " min).");
+      }
+    }
+  }
+  return lines;
+}
+
+void WriteReportText(std::ostream& out, const ReportHeader& header,
+                     const std::vector<LogEvaluation>& results,
+                     const LogEvaluation* combined) {
+  const EvalOptions& o = header.options;
+  out << "kez-eval: forecast accuracy on battery logs (library "
+      << header.version << ", "
+      << (header.has_parameter_file ? "model " + header.parameter_file
+                                    : std::string("built-in model"))
+      << ")\n";
+  out << "Forecasts every " << FormatDuration(o.every_ms) << " after a "
+      << FormatDuration(o.warmup_ms) << " warm-up";
+  if (o.has_from) out << ", from " << FormatDateTime(o.from_ms, header.zone);
+  if (o.has_to) out << ", to " << FormatDateTime(o.to_ms, header.zone);
+  out << "; truth: the logged level, linear between samples; methods: "
+         "forecaster, persistence (level stays), running rates (the "
+         "forecaster's own extrapolation), yesterday / last week (the "
+         "change over the same hours a day / a week before)\n\n";
+  for (const LogEvaluation& r : results) WriteSection(out, header, r, false);
+  if (combined != nullptr) WriteSection(out, header, *combined, true);
+}
+
+}  // namespace kez_eval

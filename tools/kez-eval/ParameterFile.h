@@ -1,0 +1,24 @@
+// Reads a model's parameter file (as MobilePowerPredictorParameter::SaveToFile
+// writes it) with the checks the library's own reader leaves out: the file
+// must open and have the labels "accuracy" (line 1) and "weight" (line 4)
+// and eleven weights (lines 5 to 15) that are numbers. A damaged file would
+// otherwise load silently as repeated or zero weights. The integer settings
+// are not in the file; the record keeps the ones it had.
+#ifndef KEZ_TOOLS_EVAL_PARAMETER_FILE_H_
+#define KEZ_TOOLS_EVAL_PARAMETER_FILE_H_
+
+#include <string>
+
+#include "predictor/MobilePowerPredictorParameter.h"
+
+namespace kez_eval {
+
+// False with *error ("PATH:LINE: reason") when the file is unreadable or not
+// a parameter file; *parameter is then unchanged.
+bool LoadParameterFile(const std::string& path,
+                       vorn::MobilePowerPredictorParameter* parameter,
+                       std::string* error);
+
+}  // namespace kez_eval
+
+#endif  // KEZ_TOOLS_EVAL_PARAMETER_FILE_H_
