@@ -14,10 +14,13 @@
 #include "ForecastOutput.h"
 #include "KezSession.h"
 #include "LogReader.h"
+#include "ParameterFile.h"
 #include "Replayer.h"
 #include "SvgChart.h"
 #include "TimeText.h"
+#include "interface/KEZ.h"
 #include "kez/kez.h"
+#include "predictor/MobilePowerPredictorParameter.h"
 
 namespace {
 
@@ -37,6 +40,9 @@ const char kUsage[] =
     "  --at TIME          forecast from TIME: replay only the log up to it\n"
     "  --level N          the low level to ask about, percent (default 20)\n"
     "  --when TIME        also tell the level at TIME (HH:MM: next such time)\n"
+    "model:\n"
+    "  --params FILE      forecast with the model in this parameter file (as\n"
+    "                     kez-tune writes it) instead of the built-in one\n"
     "output:\n"
     "  --format F         text (default), csv (one row per step) or json\n"
     "  --every N          text table: one row per N steps (default 3)\n"
@@ -68,6 +74,16 @@ int Fail(const std::string& error) {
   return 1;
 }
 
+// Replaces the model of the instance behind `handle` (made by kez_init, no
+// sample fed yet) by `parameter`: the predictor is initialised again with it.
+// The exported C functions themselves always use the built-in model.
+void UseModel(kez_handle handle,
+              const vorn::MobilePowerPredictorParameter& parameter) {
+  kez::KEZ* instance = static_cast<kez::KEZ*>(handle);
+  instance->impl->parameter = parameter;
+  instance->impl->predictor->Initialize(parameter);
+}
+
 std::string LibraryVersion() {
   char buffer[32];
   kez_get_version(buffer, sizeof buffer);
@@ -82,7 +98,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   CliArgs args(argc, argv);
-  std::string path, format = "text", svg, at_text, when_text, error;
+  std::string path, format = "text", svg, at_text, when_text, params, error;
   bool has_path = false;
   LogFormat log_format = LogFormat::kCsv;
   ReplayOptions replay;
@@ -118,6 +134,8 @@ int main(int argc, char** argv) {
     } else if (a == "--level") {
       if (!args.Int(a, 0, 100, &n, &error)) return Usage(error);
       level = static_cast<int>(n);
+    } else if (a == "--params") {
+      if (!args.Value(a, &params, &error)) return Usage(error);
     } else if (a == "--format") {
       if (!args.Value(a, &format, &error)) return Usage(error);
       if (format != "text" && format != "csv" && format != "json") {
@@ -167,6 +185,12 @@ int main(int argc, char** argv) {
     return Usage("--when: '" + when_text + "' is neither HH:MM nor a time");
   }
 
+  vorn::MobilePowerPredictorParameter parameter;
+  if (!params.empty() &&
+      !kez_eval::LoadParameterFile(params, &parameter, &error)) {
+    return Fail(error);
+  }
+
   Log log;
   if (!ReadLogFile(path, log_format, &log, &error)) return Fail(error);
   const int64_t first = log.samples.front().time_ms;
@@ -178,6 +202,10 @@ int main(int argc, char** argv) {
   }
 
   KezSession session;
+  if (session.handle() == nullptr) {
+    return Fail("the library could not create an instance");
+  }
+  if (!params.empty()) UseModel(session.handle(), parameter);
   Replayer replayer(log, replay, session.Sink());
   replayer.ReplayTo(at_ms >= 0 ? at_ms : last);
 
