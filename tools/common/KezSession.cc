@@ -1,10 +1,23 @@
 #include "KezSession.h"
 
+#include "interface/KEZ.h"
+
 namespace kez_tools {
 
 KezSession::KezSession() : handle_(kez_init()) {}
 
 KezSession::~KezSession() { kez_stop(handle_); }
+
+bool KezSession::UseModel(const vorn::MobilePowerPredictorParameter& parameter) {
+  kez::KEZ* instance = static_cast<kez::KEZ*>(handle_);
+  if (instance == nullptr || instance->impl == nullptr ||
+      instance->impl->predictor == nullptr) {
+    return false;
+  }
+  instance->impl->parameter = parameter;
+  instance->impl->predictor->Initialize(parameter);
+  return true;
+}
 
 void KezSession::Feed(const Report& report) {
   const LogSample& s = *report.sample;

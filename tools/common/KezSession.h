@@ -13,6 +13,7 @@
 
 #include "Replayer.h"
 #include "kez/kez.h"
+#include "predictor/MobilePowerPredictorParameter.h"
 
 namespace kez_tools {
 
@@ -22,6 +23,13 @@ class KezSession {
   ~KezSession();
   KezSession(const KezSession&) = delete;
   KezSession& operator=(const KezSession&) = delete;
+
+  // Replaces the built-in model by `parameter` (a tuned record): the
+  // instance's predictor is initialised again with it, which empties its
+  // memory, so call it before the first report. The exported C functions
+  // cannot do this; tools reach the predictor behind the handle. False when
+  // the instance could not be created.
+  bool UseModel(const vorn::MobilePowerPredictorParameter& parameter);
 
   void Feed(const Report& report);
   Replayer::Sink Sink() {

@@ -115,7 +115,7 @@ bool ParseMoment(const std::string& text, const DisplayZone& zone,
       "' is not a time (use YYYY-MM-DDTHH:MM, optionally with Z or +HH:MM, "
       "or Unix milliseconds)";
   size_t pos = 0;
-  int year, month, day, hour = 0, minute = 0, second = 0;
+  int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
   if (!Digits(text, &pos, 4, &year) || !Expect(text, &pos, '-') ||
       !Digits(text, &pos, 2, &month) || !Expect(text, &pos, '-') ||
       !Digits(text, &pos, 2, &day)) {

@@ -10,7 +10,6 @@
 #include "KezSession.h"
 #include "LogTruth.h"
 #include "TimeText.h"
-#include "interface/KEZ.h"
 
 namespace kez_eval {
 
@@ -222,14 +221,9 @@ bool EvaluateLog(const Log& log, const EvalOptions& o, LogEvaluation* result,
     *error = "the library could not create an instance";
     return false;
   }
-  if (o.parameter != nullptr) {
-    kez::KEZ* instance = static_cast<kez::KEZ*>(session.handle());
-    if (instance->impl == nullptr || instance->impl->predictor == nullptr) {
-      *error = "the forecaster has no instance";
-      return false;
-    }
-    instance->impl->parameter = *o.parameter;
-    instance->impl->predictor->Initialize(*o.parameter);
+  if (o.parameter != nullptr && !session.UseModel(*o.parameter)) {
+    *error = "the forecaster has no instance";
+    return false;
   }
   kez_tools::Replayer replayer(log, o.replay, session.Sink());
   const bool wanted[kez_tools::kVariantCount] = {true, true, false};

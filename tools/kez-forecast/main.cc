@@ -18,7 +18,6 @@
 #include "Replayer.h"
 #include "SvgChart.h"
 #include "TimeText.h"
-#include "interface/KEZ.h"
 #include "kez/kez.h"
 #include "predictor/MobilePowerPredictorParameter.h"
 
@@ -72,16 +71,6 @@ int Usage(const std::string& error) {
 int Fail(const std::string& error) {
   std::cerr << "kez-forecast: " << error << "\n";
   return 1;
-}
-
-// Replaces the model of the instance behind `handle` (made by kez_init, no
-// sample fed yet) by `parameter`: the predictor is initialised again with it.
-// The exported C functions themselves always use the built-in model.
-void UseModel(kez_handle handle,
-              const vorn::MobilePowerPredictorParameter& parameter) {
-  kez::KEZ* instance = static_cast<kez::KEZ*>(handle);
-  instance->impl->parameter = parameter;
-  instance->impl->predictor->Initialize(parameter);
 }
 
 std::string LibraryVersion() {
@@ -187,7 +176,7 @@ int main(int argc, char** argv) {
 
   vorn::MobilePowerPredictorParameter parameter;
   if (!params.empty() &&
-      !kez_eval::LoadParameterFile(params, &parameter, &error)) {
+      !kez_tools::LoadParameterFile(params, &parameter, &error)) {
     return Fail(error);
   }
 
@@ -205,7 +194,9 @@ int main(int argc, char** argv) {
   if (session.handle() == nullptr) {
     return Fail("the library could not create an instance");
   }
-  if (!params.empty()) UseModel(session.handle(), parameter);
+  if (!params.empty() && !session.UseModel(parameter)) {
+    return Fail("the library could not create an instance");
+  }
   Replayer replayer(log, replay, session.Sink());
   replayer.ReplayTo(at_ms >= 0 ? at_ms : last);
 

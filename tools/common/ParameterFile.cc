@@ -5,7 +5,7 @@
 #include <fstream>
 #include <vector>
 
-namespace kez_eval {
+namespace kez_tools {
 
 namespace {
 
@@ -68,4 +68,4 @@ bool LoadParameterFile(const std::string& path,
   return true;
 }
 
-}  // namespace kez_eval
+}  // namespace kez_tools

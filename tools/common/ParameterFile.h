@@ -4,14 +4,14 @@
 // and eleven weights (lines 5 to 15) that are numbers. A damaged file would
 // otherwise load silently as repeated or zero weights. The integer settings
 // are not in the file; the record keeps the ones it had.
-#ifndef KEZ_TOOLS_EVAL_PARAMETER_FILE_H_
-#define KEZ_TOOLS_EVAL_PARAMETER_FILE_H_
+#ifndef KEZ_TOOLS_PARAMETER_FILE_H_
+#define KEZ_TOOLS_PARAMETER_FILE_H_
 
 #include <string>
 
 #include "predictor/MobilePowerPredictorParameter.h"
 
-namespace kez_eval {
+namespace kez_tools {
 
 // False with *error ("PATH:LINE: reason") when the file is unreadable or not
 // a parameter file; *parameter is then unchanged.
@@ -19,6 +19,6 @@ bool LoadParameterFile(const std::string& path,
                        vorn::MobilePowerPredictorParameter* parameter,
                        std::string* error);
 
-}  // namespace kez_eval
+}  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_EVAL_PARAMETER_FILE_H_
+#endif  // KEZ_TOOLS_PARAMETER_FILE_H_
