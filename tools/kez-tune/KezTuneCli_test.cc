@@ -76,7 +76,7 @@ TEST_F(TuneCli, WeightsRunWritesAFileThatTheOtherToolsUse) {
 
   vorn::MobilePowerPredictorParameter p;
   std::string error;
-  ASSERT_TRUE(kez_eval::LoadParameterFile(params, &p, &error)) << error;
+  ASSERT_TRUE(kez_tools::LoadParameterFile(params, &p, &error)) << error;
   EXPECT_GT(p.accuracy, 0.0);
 
   run = Shell(kEval + " --warmup 4 --params " + params + " " + log_);

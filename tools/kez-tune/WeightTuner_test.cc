@@ -132,7 +132,7 @@ TEST(WeightTunerTest, WrittenParameterFileIsTheModelThatWasMeasured) {
   }
   EXPECT_NEAR(r.parameter.accuracy, loaded.accuracy, 1e-10);
   std::string error;
-  EXPECT_TRUE(kez_eval::LoadParameterFile(path, &loaded, &error)) << error;
+  EXPECT_TRUE(kez_tools::LoadParameterFile(path, &loaded, &error)) << error;
 
   // Judging the loaded file on the held-out part gives the reported figure.
   ModelJob job;

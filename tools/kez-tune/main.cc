@@ -184,7 +184,7 @@ bool WriteParameter(const std::string& path,
   std::remove(path.c_str());
   parameter.SaveToFile(path.c_str());
   vorn::MobilePowerPredictorParameter check;
-  if (!kez_eval::LoadParameterFile(path, &check, error)) {
+  if (!kez_tools::LoadParameterFile(path, &check, error)) {
     *error = "cannot write the parameter file " + path;
     return false;
   }
@@ -327,7 +327,7 @@ int main(int argc, char** argv) {
 
   vorn::MobilePowerPredictorParameter start;
   if (!start_path.empty() &&
-      !kez_eval::LoadParameterFile(start_path, &start, &error)) {
+      !kez_tools::LoadParameterFile(start_path, &start, &error)) {
     return Fail(error);
   }
   std::vector<kez_tools::Log> logs(paths.size());
