@@ -1,8 +1,10 @@
 #include "search/VelqaSPBase.h"
 
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
+
+#include "search/DistanceScan.h"
+#include "search/NeighbourRanking.h"
 
 namespace vorn {
 
@@ -14,8 +16,6 @@ namespace {
 // taken as the functions' input, does not count as valid history, and does
 // not reset the functions either.
 const double kGapLimit = 1e306;
-const double kNoBound = 1e307;
-const double kMismatch = 1e-5;
 
 // a * b slots, saturating so that an absurd size fails in the allocator
 // instead of wrapping.
@@ -132,6 +132,7 @@ void VelqaSPBase::AllocBuf() {
   if (F != 0 && lagCount > 0) {
     const std::size_t L = static_cast<std::size_t>(lagCount);
     distanceWeights = new double[Slots(L, F)];
+    weightKinds = new uint8_t[Slots(L, F)];
     double factor = 1.0;
     std::size_t m = 0;
     for (; static_cast<int64_t>(m) * lagStride < lagCount; ++m) {
@@ -147,6 +148,7 @@ void VelqaSPBase::AllocBuf() {
     for (std::size_t k = m * F; k < L * F; ++k) distanceWeights[k] = 0.0;
   }
   lagRows = new double*[M + (lagCount > 0 ? static_cast<std::size_t>(lagCount) : 0)];
+  candidateExamined = new uint8_t[M];
   if (neighbourMax != 0) {
     neighbourIndex = new int32_t[neighbourMax];
     neighbourDistance = new double[neighbourMax];
@@ -159,7 +161,9 @@ void VelqaSPBase::ClearBuf() {
   Release(featureBuffer);
   Release(predictionBuffer);
   Release(distanceWeights);
+  Release(weightKinds);
   Release(lagRows);
+  Release(candidateExamined);
   Release(neighbourIndex);
   Release(neighbourDistance);
   writePos = 0;
@@ -234,25 +238,6 @@ void VelqaSPBase::FillLagRows() {
   }
 }
 
-int VelqaSPBase::InsertNeighbour(int size, double d, int index) {
-  const int K = static_cast<int>(neighbourMax);
-  int pos = size;
-  // Entries strictly farther move down (the one pushed past K - 1 falls
-  // off); equal distances keep the newer candidate first.
-  while (pos > 0 && neighbourDistance[pos - 1] > d) {
-    if (pos < K) {
-      neighbourDistance[pos] = neighbourDistance[pos - 1];
-      neighbourIndex[pos] = neighbourIndex[pos - 1];
-    }
-    --pos;
-  }
-  if (pos < K) {
-    neighbourDistance[pos] = d;
-    neighbourIndex[pos] = index;
-  }
-  return size < K ? size + 1 : size;
-}
-
 void VelqaSPBase::DeliverNeighbours(int size, int& count, int* index, double* distance) const {
   count = size;
   for (int k = 0; k < size; ++k) {
@@ -264,7 +249,42 @@ void VelqaSPBase::DeliverNeighbours(int size, int& count, int* index, double* di
 bool VelqaSPBase::SearchReady() const {
   const int F = featureFunctions.count;
   return searchOffset >= 0 && neighbourMax != 0 && neighbourIndex != nullptr &&
-         rawBuffer != nullptr && lagRows != nullptr && (F == 0 || distanceWeights != nullptr);
+         rawBuffer != nullptr && lagRows != nullptr && candidateExamined != nullptr &&
+         (F == 0 || (distanceWeights != nullptr && weightKinds != nullptr));
+}
+
+void VelqaSPBase::PrepareCandidates(int futureSteps, int candidates) {
+  // The ages run backwards through the ring: from the slot before writePos
+  // down to slot 0, then from slot M - 1 down. Each walk below is split at
+  // that wrap so that its loops stay plain.
+  const std::size_t F = static_cast<std::size_t>(featureFunctions.count);
+  const std::size_t R = rawSize;
+  const int M = static_cast<int>(memorySize);
+  const int n = static_cast<int>(storedCount);
+  const int newest = writePos == 0 ? M - 1 : static_cast<int>(writePos) - 1;
+  double* const features = featureBuffer;
+  double** const rows = lagRows;
+  // Feature row of every stored age.
+  int a = 0;
+  for (int slot = newest; slot >= 0 && a < n; --slot, ++a) rows[a] = features + slot * F;
+  for (int slot = M - 1; a < n; --slot, ++a) rows[a] = features + slot * F;
+  // Candidate j (newest row at age O + j) is examined when the futureSteps
+  // steps just newer than it, down to age O, are all valid: `run` counts
+  // those consecutive valid steps.
+  const double* const raw = rawBuffer;
+  uint8_t* const examined = candidateExamined;
+  int slot = newest - searchOffset;
+  if (slot < 0) slot += M;
+  int run = 0;
+  int j = 0;
+  while (j < candidates) {
+    const int end = candidates - j < slot + 1 ? candidates : j + slot + 1;  // down to slot 0
+    for (std::size_t at = static_cast<std::size_t>(slot) * R; j < end; ++j, at -= R) {
+      examined[j] = run >= futureSteps ? 1 : 0;
+      run = raw[at] <= kGapLimit ? run + 1 : 0;
+    }
+    slot = M - 1;
+  }
 }
 
 void VelqaSPBase::Search(int futureSteps, int& count, int* index, double* distance) {
@@ -274,58 +294,35 @@ void VelqaSPBase::Search(int futureSteps, int& count, int* index, double* distan
   const int L = lagCount;
   const int S = lagStride < 1 ? 1 : lagStride;
   const int K = static_cast<int>(neighbourMax);
-  const int F = featureFunctions.count;
   if (N - O <= L) return;  // strictly more than L stored steps are needed
   if (!SearchReady()) return;
 
   // Query length: the valid steps at ages 0, 1, ... up to the first gap.
   int q = 0;
   while (q < L && q < N && ValidAtAge(q)) ++q;
-  FillLagRows();
-  if (q == 0 || N - O < q) return;
+  // Candidates j = 0 .. N - O - q, the newest first; their windows reach
+  // back to the oldest stored step at most.
+  const int candidates = q == 0 || N - O < q ? 0 : N - O - q + 1;
+  PrepareCandidates(futureSteps, candidates);
+  if (candidates == 0) return;
 
-  double bound = kNoBound;
-  int size = 0;
-  int run = 0;  // consecutive valid steps just newer than the candidate
-  const int last = N - O - q;
-  for (int j = 0; j <= last; ++j) {
-    const int c = O + j;
-    if (run >= futureSteps && bound >= 0) {
-      double D = 0;
-      bool keep = false;
-      int m = 0;
-      int l = 0;
-      for (;;) {
-        const double* now = lagRows[l];
-        const double* then = lagRows[c + l];
-        const double* w = distanceWeights + static_cast<int64_t>(m) * F;
-        for (int i = 0; i < F; ++i) {
-          const double d = now[i] - then[i];
-          const double wi = w[i];
-          if (wi >= 0) {
-            D += wi * (d * d);
-          } else if (wi < 0) {
-            // A negative weight counts a mismatch, whatever its size.
-            if (std::fabs(d) > kMismatch) D += -wi;
-          }
-        }
-        if (l < q - S) {
-          if (D > bound) break;  // early abandon
-          ++m;
-          l += S;
-        } else {
-          keep = D <= bound;
-          break;
-        }
-      }
-      if (keep) {
-        size = InsertNeighbour(size, D, -j);
-        if (size == K) bound = neighbourDistance[K - 1];
-      }
-    }
-    run = ValidAtAge(c) ? run + 1 : 0;
-  }
-  DeliverNeighbours(size, count, index, distance);
+  const int F = featureFunctions.count;
+  const int rowsCompared = (q - 1) / S + 1;  // lag rows m with m * S < q
+  for (int k = 0; k < rowsCompared * F; ++k) weightKinds[k] = ScanKindOf(distanceWeights[k]);
+
+  DistanceScanTask task;
+  task.rows = lagRows;
+  task.weights = distanceWeights;
+  task.kinds = weightKinds;
+  task.examined = candidateExamined;
+  task.features = F;
+  task.queryLength = q;
+  task.stride = S;
+  task.firstAge = O;
+  task.candidates = candidates;
+  NeighbourRanking ranking(neighbourDistance, neighbourIndex, K);
+  ScanDistances(task, ranking);
+  DeliverNeighbours(ranking.size, count, index, distance);
 }
 
 void VelqaSPBase::kNNSearch(const double* query, int& count, int* index, double* distance) {
@@ -341,8 +338,7 @@ void VelqaSPBase::kNNSearch(const double* query, int& count, int* index, double*
   if (L < 1 || !SearchReady()) return;
   FillLagRows();
 
-  double bound = kNoBound;
-  int size = 0;
+  NeighbourRanking ranking(neighbourDistance, neighbourIndex, K);
   const int last = N - O - L;
   for (int j = 0; j <= last; ++j) {
     const double* row = lagRows[O + j];
@@ -352,11 +348,10 @@ void VelqaSPBase::kNNSearch(const double* query, int& count, int* index, double*
       const double d = query[i] - row[i];
       D += distanceWeights[i] * (d * d);
     }
-    if (D > bound) continue;
-    size = InsertNeighbour(size, D, -j);
-    if (size == K) bound = neighbourDistance[K - 1];
+    if (D > ranking.bound) continue;  // a NaN distance is taken, as it stands
+    ranking.Insert(D, -j);
   }
-  DeliverNeighbours(size, count, index, distance);
+  DeliverNeighbours(ranking.size, count, index, distance);
 }
 
 void VelqaSPBase::ResetValue() {

@@ -21,6 +21,12 @@
 // the first step after a gap or after ResetValue().
 // One thread owns an object; even searches write its scratch members.
 //
+// Search computes each candidate's distance in one fixed order of terms and
+// may stop a candidate as soon as its partial sum is beyond the bound; it
+// scans several candidates at once where the processor has vector registers
+// (DistanceScan). Neighbours, their order and their distances are the same
+// to the last bit on every processor and every version of the scan.
+//
 // Searches return nothing when the memory is not configured, when
 // searchOffset is negative, or (kNNSearch) when lagCount is below 1.
 #ifndef KEZ_SEARCH_VELQASPBASE_H_
@@ -118,10 +124,16 @@ class KEZ_EXPORT VelqaSPBase {
   bool ValidAtAge(int age) const;        // raw[0] <= 1e306 at that age
   void FillLagRows();                    // lagRows[a] for every stored age
   bool SearchReady() const;              // buffers and offset usable
-  // Inserts (d, index) into the sorted result of `size` entries; returns the
-  // new size (at most neighbourMax).
-  int InsertNeighbour(int size, double d, int index);
+  // Fills lagRows for every stored age and candidateExamined for the first
+  // `candidates` candidates (followed by futureSteps valid steps or not).
+  void PrepareCandidates(int futureSteps, int candidates);
   void DeliverNeighbours(int size, int& count, int* index, double* distance) const;
+
+  // Search scratch, M bytes: 1 for a candidate whose distance is computed.
+  uint8_t* candidateExamined = nullptr;
+  // Search scratch, laid out as distanceWeights: the kind of each weight
+  // (ScanKindOf), taken afresh from the weights at every search.
+  uint8_t* weightKinds = nullptr;
 };
 
 }  // namespace vorn
