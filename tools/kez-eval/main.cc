@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "CommonOptions.h"
 #include "CliArgs.h"
 #include "DisplayZone.h"
 #include "ErrorChart.h"
@@ -26,6 +27,10 @@ namespace {
 
 using namespace kez_tools;
 using namespace kez_eval;
+
+const ToolMessages kMessages("kez-eval");
+int Usage(const std::string& error) { return kMessages.Usage(error); }
+int Fail(const std::string& error) { return kMessages.Fail(error); }
 
 const char kUsage[] =
     "usage: kez-eval [options] LOG...\n"
@@ -76,23 +81,6 @@ const char kUsage[] =
     "Exit status: 0 when forecasts were judged, 1 when a log cannot be read\n"
     "or no log allowed any forecast, 2 for a wrong command line.\n"
     "example: kez-eval --svg error.svg examples/routine-35d.csv\n";
-
-int Usage(const std::string& error) {
-  std::cerr << "kez-eval: " << error << "\n"
-            << "run kez-eval --help for the options\n";
-  return 2;
-}
-
-int Fail(const std::string& error) {
-  std::cerr << "kez-eval: " << error << "\n";
-  return 1;
-}
-
-std::string LibraryVersion() {
-  char buffer[32];
-  kez_get_version(buffer, sizeof buffer);
-  return buffer;
-}
 
 bool ParseHorizons(const std::string& text, std::vector<int64_t>* horizons,
                    std::string* error) {
@@ -169,6 +157,12 @@ int main(int argc, char** argv) {
   DisplayZone zone = DisplayZone::Utc();
   while (!args.Done()) {
     std::string a = args.Take();
+    OptionResult taken = TakeReplayOption(args, a, &options.replay, &error);
+    if (taken == OptionResult::kNotMine) {
+      taken = TakeZoneOption(args, a, &zone, &error);
+    }
+    if (taken == OptionResult::kBad) return Usage(error);
+    if (taken == OptionResult::kTaken) continue;
     int64_t n;
     double x;
     std::string v;
@@ -198,14 +192,6 @@ int main(int argc, char** argv) {
       if (!args.Value(a, &params, &error)) return Usage(error);
     } else if (a == "--status-lines") {
       log_format = LogFormat::kStatusLines;
-    } else if (a == "--interval") {
-      if (!args.Number(a, 0.1, 60, &x, &error)) return Usage(error);
-      options.replay.interval_ms = std::llround(x * kMinuteMs);
-    } else if (a == "--max-silence") {
-      if (!args.Number(a, 0, 24 * 366, &x, &error)) return Usage(error);
-      options.replay.max_silence_ms = std::llround(x * kHourMs);
-    } else if (a == "--as-logged") {
-      options.replay.as_logged = true;
     } else if (a == "--format") {
       if (!args.Value(a, &format, &error)) return Usage(error);
       if (format != "text" && format != "csv" && format != "json") {
@@ -213,11 +199,6 @@ int main(int argc, char** argv) {
       }
     } else if (a == "--svg") {
       if (!args.Value(a, &svg, &error)) return Usage(error);
-    } else if (a == "--tz-offset") {
-      if (!args.Number(a, -14, 14, &x, &error)) return Usage(error);
-      zone = DisplayZone::FixedOffset(static_cast<int>(std::lround(x * 60)));
-    } else if (a == "--local") {
-      zone = DisplayZone::Local();
     } else if (a.size() > 1 && a[0] == '-') {
       return Usage("unknown option '" + a + "'");
     } else {

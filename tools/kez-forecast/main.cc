@@ -7,6 +7,7 @@
 #include <iostream>
 #include <string>
 
+#include "CommonOptions.h"
 #include "CliArgs.h"
 #include "DisplayZone.h"
 #include "Forecast.h"
@@ -24,6 +25,10 @@
 namespace {
 
 using namespace kez_tools;
+
+const ToolMessages kMessages("kez-forecast");
+int Usage(const std::string& error) { return kMessages.Usage(error); }
+int Fail(const std::string& error) { return kMessages.Fail(error); }
 
 const char kUsage[] =
     "usage: kez-forecast [options] LOG\n"
@@ -62,23 +67,6 @@ const char kUsage[] =
     "TIME is YYYY-MM-DDTHH:MM (optionally with Z or +HH:MM), or Unix ms.\n"
     "example: kez-forecast --at 2024-04-07T18:00 --svg chart.svg log.csv\n";
 
-int Usage(const std::string& error) {
-  std::cerr << "kez-forecast: " << error << "\n"
-            << "run kez-forecast --help for the options\n";
-  return 2;
-}
-
-int Fail(const std::string& error) {
-  std::cerr << "kez-forecast: " << error << "\n";
-  return 1;
-}
-
-std::string LibraryVersion() {
-  char buffer[32];
-  kez_get_version(buffer, sizeof buffer);
-  return buffer;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -96,8 +84,13 @@ int main(int argc, char** argv) {
   DisplayZone zone = DisplayZone::Utc();
   while (!args.Done()) {
     std::string a = args.Take();
+    OptionResult taken = TakeReplayOption(args, a, &replay, &error);
+    if (taken == OptionResult::kNotMine) {
+      taken = TakeZoneOption(args, a, &zone, &error);
+    }
+    if (taken == OptionResult::kBad) return Usage(error);
+    if (taken == OptionResult::kTaken) continue;
     int64_t n;
-    double x;
     std::string v;
     if (a == "-h" || a == "--help") {
       std::cout << kUsage;
@@ -135,21 +128,8 @@ int main(int argc, char** argv) {
       every = static_cast<int>(n);
     } else if (a == "--svg") {
       if (!args.Value(a, &svg, &error)) return Usage(error);
-    } else if (a == "--tz-offset") {
-      if (!args.Number(a, -14, 14, &x, &error)) return Usage(error);
-      zone = DisplayZone::FixedOffset(static_cast<int>(std::lround(x * 60)));
-    } else if (a == "--local") {
-      zone = DisplayZone::Local();
     } else if (a == "--status-lines") {
       log_format = LogFormat::kStatusLines;
-    } else if (a == "--interval") {
-      if (!args.Number(a, 0.1, 60, &x, &error)) return Usage(error);
-      replay.interval_ms = std::llround(x * kMinuteMs);
-    } else if (a == "--max-silence") {
-      if (!args.Number(a, 0, 24 * 366, &x, &error)) return Usage(error);
-      replay.max_silence_ms = std::llround(x * kHourMs);
-    } else if (a == "--as-logged") {
-      replay.as_logged = true;
     } else if (a.size() > 1 && a[0] == '-') {
       return Usage("unknown option '" + a + "'");
     } else if (has_path) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "CommonOptions.h"
 #include "CliArgs.h"
 #include "FeatureTuner.h"
 #include "LogReader.h"
@@ -21,6 +22,10 @@
 #include "kez/kez.h"
 
 namespace {
+
+const kez_tools::ToolMessages kMessages("kez-tune");
+int Usage(const std::string& error) { return kMessages.Usage(error); }
+int Fail(const std::string& error) { return kMessages.Fail(error); }
 
 using namespace kez_tune;
 using kez_tools::kHourMs;
@@ -90,23 +95,6 @@ const char kUsage[] =
     "Exit status: 0 when done, 1 when a log or file cannot be read or\n"
     "written or no forecast could be judged, 2 for a wrong command line.\n"
     "example: kez-tune --generations 20 --out tuned.txt examples/routine-35d.csv\n";
-
-int Usage(const std::string& error) {
-  std::cerr << "kez-tune: " << error << "\n"
-            << "run kez-tune --help for the options\n";
-  return 2;
-}
-
-int Fail(const std::string& error) {
-  std::cerr << "kez-tune: " << error << "\n";
-  return 1;
-}
-
-std::string LibraryVersion() {
-  char buffer[32];
-  kez_get_version(buffer, sizeof buffer);
-  return buffer;
-}
 
 bool ParseHorizons(const std::string& name, const std::string& text,
                    std::vector<int64_t>* horizons, std::string* error) {
@@ -230,6 +218,10 @@ int main(int argc, char** argv) {
   std::vector<std::string> paths;
   while (!args.Done()) {
     const std::string a = args.Take();
+    kez_tools::OptionResult taken =
+        kez_tools::TakeReplayOption(args, a, &plan.replay, &error);
+    if (taken == kez_tools::OptionResult::kBad) return Usage(error);
+    if (taken == kez_tools::OptionResult::kTaken) continue;
     int64_t n;
     double x;
     std::string v;
@@ -237,7 +229,7 @@ int main(int argc, char** argv) {
       std::cout << kUsage;
       return 0;
     } else if (a == "--version") {
-      std::cout << "kez-tune, library " << LibraryVersion() << "\n";
+      std::cout << "kez-tune, library " << kez_tools::LibraryVersion() << "\n";
       return 0;
     } else if (a == "--weights") {
       features = false;
@@ -296,14 +288,6 @@ int main(int argc, char** argv) {
       }
     } else if (a == "--status-lines") {
       format = kez_tools::LogFormat::kStatusLines;
-    } else if (a == "--interval") {
-      if (!args.Number(a, 0.1, 60, &x, &error)) return Usage(error);
-      plan.replay.interval_ms = std::llround(x * kMinuteMs);
-    } else if (a == "--max-silence") {
-      if (!args.Number(a, 0, 24 * 366, &x, &error)) return Usage(error);
-      plan.replay.max_silence_ms = std::llround(x * kHourMs);
-    } else if (a == "--as-logged") {
-      plan.replay.as_logged = true;
     } else if (a == "--out") {
       if (!args.Value(a, &out_path, &error)) return Usage(error);
     } else if (a == "--quiet") {
@@ -338,7 +322,7 @@ int main(int argc, char** argv) {
   }
 
   ReportContext context;
-  context.version = LibraryVersion();
+  context.version = kez_tools::LibraryVersion();
   context.start_name = start_path.empty()
                            ? std::string(features ? "default feature set"
                                                   : "built-in model")
