@@ -1,4 +1,5 @@
 #include "ForecastOutput.h"
+#include "MarkupText.h"
 
 #include <cmath>
 #include <cstdio>
@@ -57,23 +58,6 @@ std::string AnswerLabel(const Answer& a, const DisplayZone& zone) {
              " (" + VariantTitle(a.variant) + ")";
   }
   return "";
-}
-
-std::string JsonString(const std::string& s) {
-  std::string out = "\"";
-  for (unsigned char c : s) {
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += static_cast<char>(c);
-    } else if (c < 0x20) {
-      char b[8];
-      std::snprintf(b, sizeof b, "\\u%04x", c);
-      out += b;
-    } else {
-      out += static_cast<char>(c);
-    }
-  }
-  return out + "\"";
 }
 
 const char* AnswerKey(const Answer& a) {

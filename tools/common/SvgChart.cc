@@ -1,4 +1,5 @@
 #include "SvgChart.h"
+#include "MarkupText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,26 +19,6 @@ const char kFont[] = "DejaVu Sans, Helvetica, Arial, sans-serif";
 const char* const kColor[kVariantCount] = {"#1f5fbf", "#d9480f", "#2b8a3e"};
 const char* const kDash[kVariantCount] = {"", "7 4", "2 3"};
 const char kCharging[] = "#37b24d";
-
-std::string Num(double v) {
-  char b[32];
-  std::snprintf(b, sizeof b, "%.1f", v);
-  return b;
-}
-
-std::string Escape(const std::string& s) {
-  std::string out;
-  for (char c : s) {
-    switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
-    }
-  }
-  return out;
-}
 
 class Chart {
  public:
@@ -82,9 +63,9 @@ class Chart {
   void Text(double x, double y, const std::string& s, int size,
             const char* anchor = "start", const char* fill = "#343a40",
             const char* weight = "normal") {
-    out_ << "<text x=\"" << Num(x) << "\" y=\"" << Num(y) << "\" font-size=\""
+    out_ << "<text x=\"" << SvgNumber(x) << "\" y=\"" << SvgNumber(y) << "\" font-size=\""
          << size << "\" text-anchor=\"" << anchor << "\" fill=\"" << fill
-         << "\" font-weight=\"" << weight << "\">" << Escape(s) << "</text>\n";
+         << "\" font-weight=\"" << weight << "\">" << XmlEscape(s) << "</text>\n";
   }
 
   void Title() {
@@ -96,10 +77,10 @@ class Chart {
     a = std::max(a, t0_);
     b = std::min(b, t1_);
     if (b <= a || opacity <= 0.004) return;
-    out_ << "<rect x=\"" << Num(X(a)) << "\" y=\"" << kTop << "\" width=\""
-         << Num(X(b) - X(a)) << "\" height=\"" << kBottom - kTop
+    out_ << "<rect x=\"" << SvgNumber(X(a)) << "\" y=\"" << kTop << "\" width=\""
+         << SvgNumber(X(b) - X(a)) << "\" height=\"" << kBottom - kTop
          << "\" fill=\"" << kCharging << "\" fill-opacity=\""
-         << Num(opacity * 100) << "%\"/>\n";
+         << SvgNumber(opacity * 100) << "%\"/>\n";
   }
 
   void ChargingShades() {
@@ -131,7 +112,7 @@ class Chart {
     for (int p = 0; p <= 100; p += 10) {
       bool major = p % 20 == 0;
       out_ << "<line x1=\"" << kLeft << "\" x2=\"" << kRight << "\" y1=\""
-           << Num(Y(p)) << "\" y2=\"" << Num(Y(p)) << "\" stroke=\""
+           << SvgNumber(Y(p)) << "\" y2=\"" << SvgNumber(Y(p)) << "\" stroke=\""
            << (major ? "#ced4da" : "#e9ecef") << "\" stroke-width=\"1\"/>\n";
       if (major) {
         Text(kLeft - 8, Y(p) + 4, std::to_string(p) + " %", 12, "end");
@@ -147,7 +128,7 @@ class Chart {
       if (t > t1_) break;
       CivilTime c = in_.zone.ToCivil(t);
       bool midnight = c.hour == 0 && c.minute == 0;
-      out_ << "<line x1=\"" << Num(X(t)) << "\" x2=\"" << Num(X(t))
+      out_ << "<line x1=\"" << SvgNumber(X(t)) << "\" x2=\"" << SvgNumber(X(t))
            << "\" y1=\"" << kTop << "\" y2=\"" << kBottom << "\" stroke=\""
            << (midnight ? "#adb5bd" : "#dee2e6") << "\" stroke-width=\"1\"/>\n";
       Text(X(t), kBottom + 18, FormatClock(t, in_.zone), 12, "middle");
@@ -166,7 +147,7 @@ class Chart {
     out_ << "<rect x=\"" << kLeft << "\" y=\"" << kTop << "\" width=\""
          << kRight - kLeft << "\" height=\"" << kBottom - kTop
          << "\" fill=\"none\" stroke=\"#868e96\" stroke-width=\"1\"/>\n";
-    out_ << "<text transform=\"translate(16," << Num((kTop + kBottom) / 2)
+    out_ << "<text transform=\"translate(16," << SvgNumber((kTop + kBottom) / 2)
          << ") rotate(-90)\" font-size=\"13\" text-anchor=\"middle\" "
             "fill=\"#495057\">battery level</text>\n";
   }
@@ -186,7 +167,7 @@ class Chart {
       points.clear();
     };
     auto add = [&](const LogSample& x) {
-      points += Num(X(x.time_ms)) + "," + Num(Y(x.level_percent)) + " ";
+      points += SvgNumber(X(x.time_ms)) + "," + SvgNumber(Y(x.level_percent)) + " ";
     };
     const LogSample* prev = nullptr;
     for (const LogSample& x : s) {
@@ -216,10 +197,10 @@ class Chart {
     // Plugged in, then not charged, then the free forecast on top.
     for (int v : {kCharge, kNoCharge, kFree}) {
       if (!f.has[v]) continue;
-      std::string points = Num(X(f.start_ms)) + "," + Num(Y(f.level_now)) + " ";
+      std::string points = SvgNumber(X(f.start_ms)) + "," + SvgNumber(Y(f.level_now)) + " ";
       for (int k = 0; k < f.steps; ++k) {
-        points += Num(X(f.StepTime(k))) + "," +
-                  Num(Y(f.records[v][k].level * 100.0)) + " ";
+        points += SvgNumber(X(f.StepTime(k))) + "," +
+                  SvgNumber(Y(f.records[v][k].level * 100.0)) + " ";
       }
       out_ << "<polyline fill=\"none\" stroke=\"" << kColor[v]
            << "\" stroke-width=\"" << (v == kFree ? "2.6" : "2")
@@ -232,11 +213,11 @@ class Chart {
   void NowLine() {
     const Forecast& f = in_.forecast;
     double x = X(f.start_ms);
-    out_ << "<line x1=\"" << Num(x) << "\" x2=\"" << Num(x) << "\" y1=\""
+    out_ << "<line x1=\"" << SvgNumber(x) << "\" x2=\"" << SvgNumber(x) << "\" y1=\""
          << kTop << "\" y2=\"" << kBottom
          << "\" stroke=\"#212529\" stroke-width=\"1.2\" "
             "stroke-dasharray=\"3 3\"/>\n";
-    out_ << "<circle cx=\"" << Num(x) << "\" cy=\"" << Num(Y(f.level_now))
+    out_ << "<circle cx=\"" << SvgNumber(x) << "\" cy=\"" << SvgNumber(Y(f.level_now))
          << "\" r=\"4\" fill=\"#212529\"/>\n";
     Text(x + 6, kBottom - 8, "now " + FormatDayClock(f.start_ms, in_.zone), 12,
          "start", "#212529", "bold");
@@ -244,8 +225,8 @@ class Chart {
 
   void LegendLine(double* x, double y, const char* color, const char* dash,
                   const std::string& label) {
-    out_ << "<line x1=\"" << Num(*x) << "\" x2=\"" << Num(*x + 28)
-         << "\" y1=\"" << Num(y) << "\" y2=\"" << Num(y) << "\" stroke=\""
+    out_ << "<line x1=\"" << SvgNumber(*x) << "\" x2=\"" << SvgNumber(*x + 28)
+         << "\" y1=\"" << SvgNumber(y) << "\" y2=\"" << SvgNumber(y) << "\" stroke=\""
          << color << "\" stroke-width=\"2.4\"";
     if (dash[0]) out_ << " stroke-dasharray=\"" << dash << "\"";
     out_ << "/>\n";
@@ -255,9 +236,9 @@ class Chart {
 
   void LegendBox(double* x, double y, double opacity,
                  const std::string& label) {
-    out_ << "<rect x=\"" << Num(*x) << "\" y=\"" << Num(y - 7)
+    out_ << "<rect x=\"" << SvgNumber(*x) << "\" y=\"" << SvgNumber(y - 7)
          << "\" width=\"28\" height=\"14\" fill=\"" << kCharging
-         << "\" fill-opacity=\"" << Num(opacity * 100) << "%\"/>\n";
+         << "\" fill-opacity=\"" << SvgNumber(opacity * 100) << "%\"/>\n";
     Text(*x + 34, y + 4, label, 12);
     *x += 34 + 7.2 * static_cast<double>(label.size()) + 22;
   }

@@ -1,4 +1,5 @@
 #include "ErrorChart.h"
+#include "MarkupText.h"
 
 #include <cmath>
 #include <cstdio>
@@ -8,34 +9,17 @@ namespace kez_eval {
 
 namespace {
 
+using kez_tools::SvgNumber;
+using kez_tools::XmlEscape;
+
 const char* const kColors[kMethodCount] = {"#1f5fbf", "#6b6b6b", "#d9731a",
                                            "#2e9e44", "#8e44ad"};
 const char* const kDashes[kMethodCount] = {"", "6 4", "", "2 3", "8 3 2 3"};
-
-std::string Num(double v) {
-  char b[32];
-  std::snprintf(b, sizeof b, "%.1f", v);
-  return b;
-}
 
 std::string Label(double v) {
   char b[32];
   std::snprintf(b, sizeof b, "%g", v);
   return b;
-}
-
-std::string Escape(const std::string& s) {
-  std::string out;
-  for (char c : s) {
-    switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
-    }
-  }
-  return out;
 }
 
 // A step of 1, 2 or 5 times a power of ten giving about `ticks` ticks.
@@ -80,10 +64,10 @@ void WriteErrorChart(std::ostream& out, const LogEvaluation& r,
   out << "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
   out << "<text x=\"" << width / 2 << "\" y=\"28\" text-anchor=\"middle\" "
          "font-size=\"19\" font-weight=\"bold\">"
-      << Escape(title) << "</text>\n";
+      << XmlEscape(title) << "</text>\n";
   out << "<text x=\"" << width / 2 << "\" y=\"50\" text-anchor=\"middle\" "
          "font-size=\"13\" fill=\"#444\">"
-      << Escape(subtitle) << "</text>\n";
+      << XmlEscape(subtitle) << "</text>\n";
 
   // Legend, one row across the top.
   double lx = 120;
@@ -111,18 +95,18 @@ void WriteErrorChart(std::ostream& out, const LogEvaluation& r,
         << "</text>\n";
     // Grid and axes.
     for (double v = 0; v <= y_max + y_step / 2; v += y_step) {
-      out << "<line x1=\"" << p.x << "\" y1=\"" << Num(py(v)) << "\" x2=\""
-          << p.x + p.w << "\" y2=\"" << Num(py(v))
+      out << "<line x1=\"" << p.x << "\" y1=\"" << SvgNumber(py(v)) << "\" x2=\""
+          << p.x + p.w << "\" y2=\"" << SvgNumber(py(v))
           << "\" stroke=\"#e3e3e3\"/>\n";
-      out << "<text x=\"" << p.x - 8 << "\" y=\"" << Num(py(v) + 4)
+      out << "<text x=\"" << p.x - 8 << "\" y=\"" << SvgNumber(py(v) + 4)
           << "\" text-anchor=\"end\" font-size=\"12\">" << Label(v)
           << "</text>\n";
     }
     for (double hrs = 0; hrs <= x_top + x_step / 2; hrs += x_step) {
-      out << "<line x1=\"" << Num(px(hrs)) << "\" y1=\"" << p.y
-          << "\" x2=\"" << Num(px(hrs)) << "\" y2=\"" << p.y + p.h
+      out << "<line x1=\"" << SvgNumber(px(hrs)) << "\" y1=\"" << p.y
+          << "\" x2=\"" << SvgNumber(px(hrs)) << "\" y2=\"" << p.y + p.h
           << "\" stroke=\"#eeeeee\"/>\n";
-      out << "<text x=\"" << Num(px(hrs)) << "\" y=\"" << p.y + p.h + 18
+      out << "<text x=\"" << SvgNumber(px(hrs)) << "\" y=\"" << p.y + p.h + 18
           << "\" text-anchor=\"middle\" font-size=\"12\">" << Label(hrs)
           << "</text>\n";
     }
@@ -156,8 +140,8 @@ void WriteErrorChart(std::ostream& out, const LogEvaluation& r,
           continue;
         }
         double hx = px(h.horizon_ms / 3600000.0), hy = py(v);
-        points += Num(hx) + "," + Num(hy) + " ";
-        out << "<circle cx=\"" << Num(hx) << "\" cy=\"" << Num(hy)
+        points += SvgNumber(hx) + "," + SvgNumber(hy) + " ";
+        out << "<circle cx=\"" << SvgNumber(hx) << "\" cy=\"" << SvgNumber(hy)
             << "\" r=\"3.5\" fill=\"" << kColors[m] << "\"/>\n";
       }
       flush();

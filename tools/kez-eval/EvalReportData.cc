@@ -3,10 +3,13 @@
 #include <cstdio>
 
 #include "EvalReport.h"
+#include "MarkupText.h"
 
 namespace kez_eval {
 
 namespace {
+
+using kez_tools::JsonString;
 
 std::string HoursNumber(int64_t ms) {
   char b[32];
@@ -29,23 +32,6 @@ std::string CsvNumber(double v) {
   char b[64];
   std::snprintf(b, sizeof b, "%.6g", v);
   return b;
-}
-
-std::string JsonString(const std::string& s) {
-  std::string out = "\"";
-  for (unsigned char c : s) {
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += static_cast<char>(c);
-    } else if (c < 0x20) {
-      char b[8];
-      std::snprintf(b, sizeof b, "\\u%04x", c);
-      out += b;
-    } else {
-      out += static_cast<char>(c);
-    }
-  }
-  return out + "\"";
 }
 
 std::string JsonNumber(double v) {
