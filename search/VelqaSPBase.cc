@@ -44,17 +44,40 @@ void DeleteFunctions(FListP<VelqaSPFunction*>& list) {
   list.Clear();
 }
 
-void CopyFunctions(FListP<VelqaSPFunction*>& to, const FListP<VelqaSPFunction*>& from) {
-  for (int i = 0; i < from.count; ++i) {
-    to.Add(new VelqaSPFunction*(new VelqaSPFunction(**from.data[i])));
+// Appends a heap copy of `function` to `list`. The copy and its cell belong
+// to this call until the list holds them, so that running out of memory on
+// the way leaks neither.
+void AppendCopy(FListP<VelqaSPFunction*>& list, const VelqaSPFunction& function) {
+  VelqaSPFunction* copy = new VelqaSPFunction(function);
+  VelqaSPFunction** cell = nullptr;
+  try {
+    cell = new VelqaSPFunction*(copy);
+    list.Add(cell);
+  } catch (...) {
+    delete cell;
+    delete copy;
+    throw;
   }
+}
+
+void CopyFunctions(FListP<VelqaSPFunction*>& to, const FListP<VelqaSPFunction*>& from) {
+  for (int i = 0; i < from.count; ++i) AppendCopy(to, **from.data[i]);
 }
 
 }  // namespace
 
 VelqaSPBase::VelqaSPBase() {}
 
-VelqaSPBase::VelqaSPBase(const VelqaSPBase& source) { Set(source); }
+VelqaSPBase::VelqaSPBase(const VelqaSPBase& source) {
+  // A copy that runs out of memory half way gives back what it had taken:
+  // the destructor does not run for a constructor that throws.
+  try {
+    Set(source);
+  } catch (...) {
+    Clear();
+    throw;
+  }
+}
 
 VelqaSPBase& VelqaSPBase::operator=(const VelqaSPBase& source) {
   if (this != &source) {
@@ -179,13 +202,13 @@ void VelqaSPBase::SetSize(int size, int raw) {
 
 void VelqaSPBase::AddFeatureFunction(VelqaSPFunction& function) {
   ClearBuf();
-  featureFunctions.Add(new VelqaSPFunction*(new VelqaSPFunction(function)));
+  AppendCopy(featureFunctions, function);
   AllocBuf();
 }
 
 void VelqaSPBase::AddPredictionFunction(VelqaSPFunction& function) {
   ClearBuf();
-  predictionFunctions.Add(new VelqaSPFunction*(new VelqaSPFunction(function)));
+  AppendCopy(predictionFunctions, function);
   AllocBuf();
 }
 

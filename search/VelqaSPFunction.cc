@@ -4,7 +4,16 @@ namespace vorn {
 
 VelqaSPFunction::VelqaSPFunction() {}
 
-VelqaSPFunction::VelqaSPFunction(const VelqaSPFunction& other) { Set(other); }
+VelqaSPFunction::VelqaSPFunction(const VelqaSPFunction& other) {
+  // A copy that runs out of memory half way gives back what it had taken:
+  // the destructor does not run for a constructor that throws.
+  try {
+    Set(other);
+  } catch (...) {
+    Clear();
+    throw;
+  }
+}
 
 VelqaSPFunction::~VelqaSPFunction() { Clear(); }
 
@@ -18,7 +27,18 @@ void VelqaSPFunction::Set(const VelqaSPFunction& source) {
 }
 
 void VelqaSPFunction::AddOperator(VelqaSPOperator& op) {
-  operators.Add(new VelqaSPOperator*(new VelqaSPOperator(op)));
+  // The copy and its cell belong to this call until the list holds them, so
+  // that running out of memory on the way leaks neither.
+  VelqaSPOperator* copy = new VelqaSPOperator(op);
+  VelqaSPOperator** cell = nullptr;
+  try {
+    cell = new VelqaSPOperator*(copy);
+    operators.Add(cell);
+  } catch (...) {
+    delete cell;
+    delete copy;
+    throw;
+  }
 }
 
 void VelqaSPFunction::Clear() {
