@@ -2,6 +2,7 @@
 // as hexadecimal floats, exactly as the library computed them.
 //
 // Usage: kez-forecast-dump [--lines] [--every N] [--steps N] LOG.csv
+//        kez-forecast-dump --records FILE
 //
 // The log is CSV with a header naming its columns: time_ms, level_percent and
 // charging are required; aux1, aux2, aux3, countA, countB1 and countB2 are
@@ -15,6 +16,12 @@
 // "80 %", "full" and "charging". Two builds of the library on different
 // machines must print the same text byte for byte; the JVM tests compare
 // the Java binding with it as well.
+//
+// With --records, FILE holds a made-up forecast instead of a log: one step
+// per line, its level (a fraction) and its charging chance as decimal
+// numbers. "records N" and the kez_forecast_find answers over those N steps
+// are printed, so that the JVM tests can compare answers on levels placed
+// exactly at a threshold or just beside it.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -49,6 +56,13 @@ const Query kQueries[] = {
     {KEZ_QUERY_CHARGING_AT_OR_ABOVE, 0.5},
 };
 
+void PrintFinds(const stMobilePowerPredictionData* records, int steps) {
+  for (const Query& q : kQueries) {
+    std::printf("find %d %a %d\n", q.query, q.threshold,
+                kez_forecast_find(records, steps, q.query, q.threshold));
+  }
+}
+
 void PrintForecasts(kez_handle handle, long row, const std::string& time,
                     int steps) {
   std::printf("at row %ld time_ms %s\n", row, time.c_str());
@@ -64,17 +78,36 @@ void PrintForecasts(kez_handle handle, long row, const std::string& time,
     for (int k = 0; k < steps; ++k) {
       std::printf("step %d %a %a\n", k, out[k].level, out[k].charging);
     }
-    for (const Query& q : kQueries) {
-      std::printf("find %d %a %d\n", q.query, q.threshold,
-                  kez_forecast_find(out.data(), steps, q.query, q.threshold));
-    }
+    PrintFinds(out.data(), steps);
   }
+}
+
+int PrintRecordFinds(const char* path) {
+  std::ifstream in(path);
+  if (!in) {
+    std::fprintf(stderr, "kez-forecast-dump: cannot read %s\n", path);
+    return 1;
+  }
+  std::vector<stMobilePowerPredictionData> records;
+  std::string line;
+  while (std::getline(in, line)) {
+    const char* text = line.c_str();
+    char* end = nullptr;
+    const double level = std::strtod(text, &end);
+    if (end == text) continue;  // a blank line
+    const double charging = std::strtod(end, nullptr);
+    records.push_back(stMobilePowerPredictionData{level, charging, 0.0});
+  }
+  std::printf("records %zu\n", records.size());
+  PrintFinds(records.data(), static_cast<int>(records.size()));
+  return 0;
 }
 
 int Usage() {
   std::fprintf(stderr,
                "usage: kez-forecast-dump [--lines] [--every N] [--steps N] "
-               "LOG.csv\n");
+               "LOG.csv\n"
+               "       kez-forecast-dump --records FILE\n");
   return 2;
 }
 
@@ -85,6 +118,9 @@ int main(int argc, char** argv) {
   long every = 288;
   int steps = 144;
   const char* path = nullptr;
+  if (argc == 3 && std::strcmp(argv[1], "--records") == 0) {
+    return PrintRecordFinds(argv[2]);
+  }
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--lines") == 0) {
       lines = true;

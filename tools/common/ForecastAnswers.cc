@@ -5,10 +5,9 @@
 namespace kez_tools {
 namespace {
 
-// Thresholds that make kez_forecast_find compare as the levels are shown:
-// a level shows as N % or less when it is below N + 0.5 %.
-double AtOrBelow(int percent) { return (percent + 0.4999) / 100.0; }
-double AtOrAbove(int percent) { return (percent - 0.5) / 100.0; }
+// The level threshold of kez_forecast_find for N %: the fraction N / 100.0,
+// exactly as the Java API passes it.
+double Fraction(int percent) { return percent / 100.0; }
 
 Answer Find(const Forecast& f, Answer::Kind kind, int variant, int percent) {
   Answer a;
@@ -23,14 +22,14 @@ Answer Find(const Forecast& f, Answer::Kind kind, int variant, int percent) {
                                  0.5);
       break;
     case Answer::kLevelReached:
-      a.now = f.level_now < percent + 0.5;
+      a.now = f.level_now <= percent;
       a.step = kez_forecast_find(r, f.steps, KEZ_QUERY_LEVEL_AT_OR_BELOW,
-                                 AtOrBelow(percent));
+                                 Fraction(percent));
       break;
     case Answer::kLevelRisen:
-      a.now = f.level_now >= percent - 0.5;
+      a.now = f.level_now >= percent;
       a.step = kez_forecast_find(r, f.steps, KEZ_QUERY_LEVEL_AT_OR_ABOVE,
-                                 AtOrAbove(percent));
+                                 Fraction(percent));
       break;
     case Answer::kLevelAt:
       break;

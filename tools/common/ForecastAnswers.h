@@ -4,10 +4,12 @@
 //   not charged:      when it reaches the asked level, and 0 %;
 //   plugged in now:   when it reaches 80 %, and full;
 //   and, with a time asked, the level there in every variant made.
-// Levels are compared as they are shown, to the nearest whole percent
-// ("reaches 20 %" means the shown level is 20 % or less). An answer is "now"
-// when the last report already meets it, and has no step when the forecast
-// does not reach it within its horizon.
+// Levels are compared exactly, with the threshold N % as the fraction
+// N / 100.0 ("reaches 20 %" means a forecast level of 0.2 or less; 20.3 % has
+// not reached it), by the same rule as the Java API's answers. An answer is
+// "now" when the last report's level already meets it (again exactly, in
+// percent), and has no step when the forecast does not reach it within its
+// horizon.
 #ifndef KEZ_TOOLS_FORECAST_ANSWERS_H_
 #define KEZ_TOOLS_FORECAST_ANSWERS_H_
 

@@ -1,7 +1,7 @@
 // Forecasts through the library's C interface from replayed logs: a log of
 // level changes only learns once replayed with periodic reports, a regular
 // routine is forecast well after five weeks, and the answers come out of the
-// forecast as shown.
+// forecast by the exact rule that the Java API uses too.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -132,15 +132,17 @@ TEST(Forecast, FiveWeeksOfARegularRoutineForecastTheNextDay) {
   EXPECT_LT(mean, 0.5 * flat / count);
 }
 
-TEST(ForecastAnswers, FoundAsTheLevelsAreShown) {
+// Levels on a threshold meet it, levels 0.3 % beside it do not, though they
+// would show as the same whole percent; the same holds for "now".
+TEST(ForecastAnswers, LevelsAreComparedExactly) {
   Forecast f;
   f.start_ms = 1712491200000;
   f.level_now = 40;
   f.charging_now = false;
   f.steps = 6;
-  const double free_level[6] = {0.38, 0.30, 0.2049, 0.19, 0.15, 0.10};
+  const double free_level[6] = {0.38, 0.30, 0.203, 0.20, 0.15, 0.10};
   const double free_charge[6] = {0, 0, 0.2, 0.5, 0.9, 1};
-  const double plugged[6] = {0.50, 0.70, 0.795, 0.90, 0.994, 0.995};
+  const double plugged[6] = {0.50, 0.70, 0.797, 0.80, 0.997, 1.0};
   for (int v = 0; v < kVariantCount; ++v) {
     f.has[v] = v != kNoCharge;
     f.records[v].assign(6, stMobilePowerPredictionData{});
@@ -159,27 +161,39 @@ TEST(ForecastAnswers, FoundAsTheLevelsAreShown) {
   EXPECT_EQ(a[0].step, 3);
   EXPECT_EQ(a[0].time_ms, f.start_ms + 40 * kMinuteMs);
   EXPECT_EQ(a[1].kind, Answer::kLevelReached);
-  EXPECT_EQ(a[1].step, 2) << "20.49 % shows as 20 %";
+  EXPECT_EQ(a[1].step, 3) << "20.3 % has not reached 20 %, 20 % has";
   EXPECT_FALSE(a[1].now);
-  EXPECT_EQ(a[2].step, 2) << "79.5 % shows as 80 %";
-  EXPECT_EQ(a[3].step, 5) << "99.4 % shows as 99 %, 99.5 % as 100 %";
+  EXPECT_EQ(a[2].kind, Answer::kLevelRisen);
+  EXPECT_EQ(a[2].step, 3) << "79.7 % has not reached 80 %, 80 % has";
+  EXPECT_EQ(a[3].step, 5) << "99.7 % is not full";
   EXPECT_EQ(a[4].kind, Answer::kLevelAt);
   EXPECT_EQ(a[4].step, 3);
-  EXPECT_NEAR(a[4].level, 19.0, 1e-9);
-  EXPECT_NEAR(a[5].level, 90.0, 1e-9);
+  EXPECT_NEAR(a[4].level, 20.0, 1e-9);
+  EXPECT_NEAR(a[5].level, 80.0, 1e-9);
 
-  // Already met now; never met within the forecast; a time outside it.
+  // "now": the last report's level, exactly on or just beside the asked one.
+  o.has_when = false;
+  f.level_now = 20.3;
+  EXPECT_FALSE(ComputeAnswers(f, o)[1].now);
+  f.level_now = 20;
+  EXPECT_TRUE(ComputeAnswers(f, o)[1].now);
+  f.level_now = 79.7;
+  EXPECT_FALSE(ComputeAnswers(f, o)[2].now);
+  f.level_now = 80;
+  a = ComputeAnswers(f, o);
+  EXPECT_TRUE(a[2].now);
+  EXPECT_FALSE(a[3].now);
+
+  // Never met within the forecast; a time outside it.
   f.level_now = 12;
   f.records[kCharge].assign(6, stMobilePowerPredictionData{});
+  o.has_when = true;
   o.level_percent = 5;
   o.when_ms = f.StepTime(6);
   a = ComputeAnswers(f, o);
   EXPECT_TRUE(a[1].now == false && a[1].step == -1);
   EXPECT_EQ(a[2].step, -1);
   EXPECT_LT(a[4].level, 0);
-  o.level_percent = 20;
-  a = ComputeAnswers(f, o);
-  EXPECT_TRUE(a[1].now);
   EXPECT_EQ(NearestStep(f, f.start_ms + 4 * kMinuteMs), -1);
   EXPECT_EQ(NearestStep(f, f.start_ms + 5 * kMinuteMs), 0);
   EXPECT_EQ(NearestStep(f, f.StepTime(5) + 5 * kMinuteMs), 6);

@@ -10,9 +10,12 @@ import java.util.Optional;
  * phone is charging, plus how well the present resembled the past.
  *
  * <p>Step k (from 0) is the moment (k + 1) x 10 minutes after the last reported sample. The
- * derived answers ({@link #firstStep}, {@link #timeUntilEmpty}, ...) apply the rules of the C
- * library's {@code kez_forecast_find} to the values held here: the first step that meets an
- * inclusive test, or none. Levels are compared in percent as Java received them. Immutable.
+ * derived answers ({@link #firstStep}, {@link #timeUntilEmpty}, ...) are found by the C
+ * library's {@code kez_forecast_find}, the function the command-line tools use too: the first
+ * step that meets an inclusive test, or none. It compares exactly, in double: the level held
+ * here divided by 100 against the threshold in percent divided by 100, so a level of 20.3 % has
+ * not reached 20 % (whatever a display rounded to whole percent would show), and 20.0 % has.
+ * Immutable.
  */
 public final class Forecast {
   /** Minutes per forecast step. */
@@ -122,13 +125,16 @@ public final class Forecast {
 
   /**
    * The first step index that meets {@code query} with {@code threshold} (percent for levels, 0
-   * to 1 for the charging chance), or -1 when no step does.
+   * to 1 for the charging chance), or -1 when no step does. The test is inclusive and exact:
+   * {@code kez_forecast_find} compares {@code levelPercent(k) / 100.0} with {@code threshold /
+   * 100.0} (both in double) for the level queries, and {@code chargingChance(k)} with {@code
+   * threshold} for the charging query. The values are the floats Java received, so only a level
+   * within float rounding of the threshold (about a millionth of a percent) can be answered
+   * otherwise than by C code that holds the library's doubles.
    */
   public int firstStep(StepQuery query, double threshold) {
-    for (int k = 0; k < levels.length; k++) {
-      if (query.test(levels[k], charging[k], threshold)) return k;
-    }
-    return -1;
+    double nativeThreshold = query.isLevel() ? threshold / 100.0 : threshold;
+    return ForecastNative.kezForecastFind(levels, charging, query.query(), nativeThreshold);
   }
 
   /** Time from the last sample until the first step that meets the query; empty when none does. */

@@ -9,15 +9,11 @@ import static org.junit.Assert.fail;
 import java.time.Duration;
 import java.util.List;
 import java.util.Optional;
-import org.junit.Rule;
 import org.junit.Test;
-import org.junit.rules.TemporaryFolder;
 
 /** The app developer's API: lifecycle, typed forecasts and the derived answers. */
 public class ForecasterTest {
-  @Rule public TemporaryFolder dir = new TemporaryFolder();
-
-  private static void report(Forecaster f, String[] r) {
+  static void report(Forecaster f, String[] r) {
     f.report(Long.parseLong(r[0]), Float.parseFloat(r[1]), Float.parseFloat(r[2]) > 0.5f,
         Float.parseFloat(r[3]), Float.parseFloat(r[4]), Float.parseFloat(r[5]),
         Double.parseDouble(r[6]), Double.parseDouble(r[7]), Double.parseDouble(r[8]));
@@ -104,32 +100,5 @@ public class ForecasterTest {
     assertEquals(Optional.of(Duration.ofMinutes(30)), f.timeUntilCharging());
     assertEquals(Optional.empty(), f.timeUntilFull());
     assertEquals(Optional.of(Duration.ofMinutes(10)), f.timeUntilLevelAtOrAbove(35f));
-  }
-
-  @Test
-  public void derivedAnswersEqualTheCInterface() throws Exception {
-    SyntheticLog log = new SyntheticLog(10);
-    ReferenceDump c = ReferenceDump.run(log.writeCsv(dir.getRoot().toPath()));
-    StepQuery[] queries = StepQuery.values();
-    try (Forecaster f = new Forecaster()) {
-      int row = 0;
-      int checkpoint = 0;
-      for (String[] r : log.rows) {
-        report(f, r);
-        if (++row % SyntheticLog.REPORTS_PER_DAY != 0) continue;
-        ReferenceDump.Checkpoint cp = c.checkpoints.get(checkpoint++);
-        for (Variant v : Variant.values()) {
-          Forecast forecast = f.forecast(v);
-          for (double[] find : cp.variants.get(v.mode()).finds) {
-            StepQuery q = queries[(int) find[0]];
-            // Levels: the C side compares fractions, Java percent.
-            double threshold = q == StepQuery.CHARGING_AT_OR_ABOVE ? find[1] : find[1] * 100.0;
-            assertEquals("row " + row + " " + v + " " + q + " " + threshold, (int) find[2],
-                forecast.firstStep(q, threshold));
-          }
-        }
-      }
-      assertEquals(c.checkpoints.size(), checkpoint);
-    }
   }
 }

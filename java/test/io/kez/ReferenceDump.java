@@ -14,7 +14,9 @@ import java.util.List;
 
 /**
  * The forecasts that the C interface gives for a log, as printed by kez-forecast-dump (its path
- * is the system property {@code kez.dump}): per checkpoint and variant the exact doubles.
+ * is the system property {@code kez.dump}): per checkpoint and variant the exact doubles and the
+ * kez_forecast_find answers. With {@code --records} the dump reads a made-up forecast instead and
+ * prints only its answers ({@link #finds}).
  */
 final class ReferenceDump {
   static final class Variant {
@@ -30,6 +32,8 @@ final class ReferenceDump {
 
   final String version;
   final List<Checkpoint> checkpoints = new ArrayList<>();
+  /** The answers over a made-up forecast (--records): {query, threshold, index}. */
+  final List<double[]> finds = new ArrayList<>();
 
   private ReferenceDump(String text) {
     String v = null;
@@ -55,7 +59,7 @@ final class ReferenceDump {
           var.steps.add(new double[] {Double.parseDouble(f[2]), Double.parseDouble(f[3])});
           break;
         case "find":
-          var.finds.add(new double[] {
+          (var != null ? var.finds : finds).add(new double[] {
               Double.parseDouble(f[1]), Double.parseDouble(f[2]), Double.parseDouble(f[3])});
           break;
         default:
