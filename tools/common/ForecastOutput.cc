@@ -1,9 +1,9 @@
 #include "ForecastOutput.h"
-#include "MarkupText.h"
 
 #include <cmath>
 #include <cstdio>
 
+#include "MarkupText.h"
 #include "TimeText.h"
 
 namespace kez_tools {

@@ -1,5 +1,4 @@
 #include "SvgChart.h"
-#include "MarkupText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,6 +7,7 @@
 #include <vector>
 
 #include "CivilTime.h"
+#include "MarkupText.h"
 #include "TimeText.h"
 
 namespace kez_tools {

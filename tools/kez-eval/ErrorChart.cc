@@ -1,9 +1,10 @@
 #include "ErrorChart.h"
-#include "MarkupText.h"
 
 #include <cmath>
 #include <cstdio>
 #include <string>
+
+#include "MarkupText.h"
 
 namespace kez_eval {
 

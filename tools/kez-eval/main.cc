@@ -12,12 +12,13 @@
 #include <string>
 #include <vector>
 
-#include "CommonOptions.h"
 #include "CliArgs.h"
+#include "CommonOptions.h"
 #include "DisplayZone.h"
 #include "ErrorChart.h"
 #include "EvalReport.h"
 #include "Evaluation.h"
+#include "HorizonList.h"
 #include "LogReader.h"
 #include "ParameterFile.h"
 #include "TimeText.h"
@@ -81,36 +82,6 @@ const char kUsage[] =
     "Exit status: 0 when forecasts were judged, 1 when a log cannot be read\n"
     "or no log allowed any forecast, 2 for a wrong command line.\n"
     "example: kez-eval --svg error.svg examples/routine-35d.csv\n";
-
-bool ParseHorizons(const std::string& text, std::vector<int64_t>* horizons,
-                   std::string* error) {
-  horizons->clear();
-  std::stringstream in(text);
-  std::string item;
-  while (std::getline(in, item, ',')) {
-    double hours;
-    if (!ParseNumber(item, 1e-9, 720, &hours)) {
-      *error = "--horizons takes hours from 1/6 to 720, comma-separated, "
-               "not '" + item + "'";
-      return false;
-    }
-    int64_t ms = std::llround(hours * kHourMs);
-    if (ms % kStepMs != 0) {
-      *error = "--horizons: " + item +
-               " h is not a whole number of 10-minute steps";
-      return false;
-    }
-    horizons->push_back(ms);
-  }
-  if (horizons->empty()) {
-    *error = "--horizons needs at least one horizon";
-    return false;
-  }
-  std::sort(horizons->begin(), horizons->end());
-  horizons->erase(std::unique(horizons->begin(), horizons->end()),
-                  horizons->end());
-  return true;
-}
 
 std::string BaseName(const std::string& path) {
   size_t slash = path.find_last_of('/');
@@ -180,7 +151,7 @@ int main(int argc, char** argv) {
       options.every_ms = std::llround(x * kHourMs);
     } else if (a == "--horizons") {
       if (!args.Value(a, &v, &error)) return Usage(error);
-      if (!ParseHorizons(v, &options.horizons_ms, &error)) return Usage(error);
+      if (!ParseHorizonList(a, v, &options.horizons_ms, &error)) return Usage(error);
     } else if (a == "--from") {
       if (!args.Value(a, &from_text, &error)) return Usage(error);
     } else if (a == "--to") {

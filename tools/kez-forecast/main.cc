@@ -7,8 +7,8 @@
 #include <iostream>
 #include <string>
 
-#include "CommonOptions.h"
 #include "CliArgs.h"
+#include "CommonOptions.h"
 #include "DisplayZone.h"
 #include "Forecast.h"
 #include "ForecastAnswers.h"

@@ -5,24 +5,13 @@
 #include <cstdlib>
 
 #include "FeatureDescription.h"
+#include "TuneClock.h"
 #include "foundation/FList.h"
 #include "predictor/MobilePowerPredictor.h"
 
 namespace kez_tune {
 
 namespace {
-
-double Seconds(std::chrono::steady_clock::time_point since) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() -
-                                       since)
-      .count();
-}
-
-bool Better(double a, double b) {
-  if (std::isnan(a)) return false;
-  if (std::isnan(b)) return true;
-  return a < b;
-}
 
 // A child of `parent`: one Mutate of a default model holding its features.
 std::vector<double> MutateGenome(const std::vector<double>& parent,
@@ -99,7 +88,7 @@ bool TuneFeatures(const std::vector<kez_tools::Log>& logs,
     report.child_score = child;
     report.improved = improved;
     report.features = FeatureCount(r.best);
-    report.elapsed_seconds = Seconds(began);
+    report.elapsed_seconds = SecondsSince(began);
     report.children = std::move(children);
     report.best = r.best;
     progress(report);
@@ -109,7 +98,7 @@ bool TuneFeatures(const std::vector<kez_tools::Log>& logs,
   int generation = 0;
   for (;;) {
     if (plan.generations > 0 && generation >= plan.generations) break;
-    if (plan.seconds > 0 && Seconds(began) >= plan.seconds) break;
+    if (plan.seconds > 0 && SecondsSince(began) >= plan.seconds) break;
     ++generation;
     std::vector<std::vector<double>> children;
     for (int j = 0; j < options.offspring; ++j) {
@@ -154,7 +143,7 @@ bool TuneFeatures(const std::vector<kez_tools::Log>& logs,
     r.best_tuning = finals[1];
     r.best_heldout = finals[3];
   }
-  r.seconds = Seconds(began);
+  r.seconds = SecondsSince(began);
   *result = std::move(r);
   return true;
 }

@@ -5,24 +5,12 @@
 #include <cmath>
 #include <map>
 
+#include "TuneClock.h"
 #include "TuneRandom.h"
 
 namespace kez_tune {
 
 namespace {
-
-double Seconds(std::chrono::steady_clock::time_point since) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() -
-                                       since)
-      .count();
-}
-
-// Lower is better; a score that could not be measured is worst.
-bool Better(double a, double b) {
-  if (std::isnan(a)) return false;
-  if (std::isnan(b)) return true;
-  return a < b;
-}
 
 ModelJob Job(const vorn::MobilePowerPredictorParameter& base,
              const Weights& weights, Part part, int64_t every_ms,
@@ -113,7 +101,7 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
     report.evaluations = r.evaluations;
     report.best_score = parents[0].score;
     report.best_step = parents[0].step;
-    report.elapsed_seconds = Seconds(began);
+    report.elapsed_seconds = SecondsSince(began);
     report.candidates.clear();
     for (const WeightIndividual& c : made) report.candidates.push_back(c.weights);
     progress(report);
@@ -123,7 +111,7 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
   int generation = 0;
   for (;;) {
     if (plan.generations > 0 && generation >= plan.generations) break;
-    if (plan.seconds > 0 && Seconds(began) >= plan.seconds) break;
+    if (plan.seconds > 0 && SecondsSince(began) >= plan.seconds) break;
     ++generation;
     std::vector<WeightIndividual> offspring;
     for (int j = 0; j < options.offspring; ++j) {
@@ -162,7 +150,7 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
   }
   r.parameter = WithWeights(start, r.best);
   r.parameter.accuracy = r.best_tuning.score;
-  r.seconds = Seconds(began);
+  r.seconds = SecondsSince(began);
   *result = std::move(r);
   return true;
 }

@@ -10,9 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "CommonOptions.h"
 #include "CliArgs.h"
+#include "CommonOptions.h"
 #include "FeatureTuner.h"
+#include "HorizonList.h"
 #include "LogReader.h"
 #include "ParameterFile.h"
 #include "TimeText.h"
@@ -95,35 +96,6 @@ const char kUsage[] =
     "Exit status: 0 when done, 1 when a log or file cannot be read or\n"
     "written or no forecast could be judged, 2 for a wrong command line.\n"
     "example: kez-tune --generations 20 --out tuned.txt examples/routine-35d.csv\n";
-
-bool ParseHorizons(const std::string& name, const std::string& text,
-                   std::vector<int64_t>* horizons, std::string* error) {
-  horizons->clear();
-  std::stringstream in(text);
-  std::string item;
-  while (std::getline(in, item, ',')) {
-    double hours;
-    if (!kez_tools::ParseNumber(item, 1e-9, 720, &hours)) {
-      *error = name + " takes hours from 1/6 to 720, comma-separated, not '" +
-               item + "'";
-      return false;
-    }
-    const int64_t ms = std::llround(hours * kHourMs);
-    if (ms % kStepMs != 0) {
-      *error = name + ": " + item + " h is not a whole number of 10-minute steps";
-      return false;
-    }
-    horizons->push_back(ms);
-  }
-  if (horizons->empty()) {
-    *error = name + " needs at least one horizon";
-    return false;
-  }
-  std::sort(horizons->begin(), horizons->end());
-  horizons->erase(std::unique(horizons->begin(), horizons->end()),
-                  horizons->end());
-  return true;
-}
 
 std::string Fixed(double v, int decimals) {
   if (std::isnan(v)) return "-";
@@ -278,12 +250,12 @@ int main(int argc, char** argv) {
           std::llround(x * kHourMs);
     } else if (a == "--horizons") {
       if (!args.Value(a, &v, &error) ||
-          !ParseHorizons(a, v, &plan.objective_horizons_ms, &error)) {
+          !kez_eval::ParseHorizonList(a, v, &plan.objective_horizons_ms, &error)) {
         return Usage(error);
       }
     } else if (a == "--report-horizons") {
       if (!args.Value(a, &v, &error) ||
-          !ParseHorizons(a, v, &plan.report_horizons_ms, &error)) {
+          !kez_eval::ParseHorizonList(a, v, &plan.report_horizons_ms, &error)) {
         return Usage(error);
       }
     } else if (a == "--status-lines") {
