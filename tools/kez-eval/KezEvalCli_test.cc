@@ -4,36 +4,20 @@
 // damaged parameter file) ending with a clear message and a non-zero exit.
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
 
+#include "support/CommandRun.h"
 #include "predictor/MobilePowerPredictorParameter.h"
 
 namespace {
 
-struct CliRun {
-  int exit_code = -1;
-  std::string out;  // standard output and standard error together
-};
+using CliRun = kez_testing::CommandRun;
 
 CliRun Eval(const std::string& arguments) {
-  CliRun run;
-  FILE* pipe =
-      popen((std::string(KEZ_EVAL_BIN) + " " + arguments + " 2>&1").c_str(),
-            "r");
-  if (pipe == nullptr) return run;
-  char buffer[4096];
-  size_t n;
-  while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-    run.out.append(buffer, n);
-  }
-  int status = pclose(pipe);
-  run.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return run;
+  return kez_testing::RunCommand(std::string(KEZ_EVAL_BIN) + " " + arguments);
 }
 
 std::string TempPath(const std::string& name) {

@@ -4,34 +4,22 @@
 // files end with a message and the documented exit status.
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
 
+#include "support/CommandRun.h"
 #include "LogWriter.h"
 #include "ParameterFile.h"
 #include "Simulator.h"
 
 namespace {
 
-struct CliRun {
-  int exit_code = -1;
-  std::string out;  // standard output and standard error together
-};
+using CliRun = kez_testing::CommandRun;
 
 CliRun Shell(const std::string& command) {
-  CliRun run;
-  FILE* pipe = popen((command + " 2>&1").c_str(), "r");
-  if (pipe == nullptr) return run;
-  char buffer[4096];
-  size_t n;
-  while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) run.out.append(buffer, n);
-  const int status = pclose(pipe);
-  run.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return run;
+  return kez_testing::RunCommand(command);
 }
 
 const std::string kTune = KEZ_TUNE_BIN;
