@@ -12,6 +12,7 @@
 
 #include "support/CommandRun.h"
 
+
 namespace {
 
 using CliRun = kez_testing::CommandRun;

@@ -9,8 +9,8 @@
 #include <sstream>
 #include <string>
 
-#include "support/CommandRun.h"
 #include "predictor/MobilePowerPredictorParameter.h"
+#include "support/CommandRun.h"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include <sstream>
 #include <string>
 
-#include "support/CommandRun.h"
 #include "LogWriter.h"
 #include "ParameterFile.h"
 #include "Simulator.h"
+#include "support/CommandRun.h"
 
 namespace {
 
