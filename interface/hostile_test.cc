@@ -24,6 +24,7 @@
 
 #include "interface/KEZ.h"
 #include "kez/kez.h"
+#include "support/CountingAllocator.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 // Absurd forecast counts rely on failed allocations returning null.
@@ -32,38 +33,6 @@ __asan_default_options() {
   return "allocator_may_return_null=1";
 }
 #endif
-
-namespace {
-
-// Allocation failure on demand: when g_failIn is n > 0, the n-th allocation
-// from now fails (once). g_allocations counts every allocation.
-long g_failIn = 0;
-long g_allocations = 0;
-
-void* Allocate(std::size_t n) noexcept {
-  ++g_allocations;
-  if (g_failIn > 0 && --g_failIn == 0) return nullptr;
-  return std::malloc(n == 0 ? 1 : n);
-}
-
-void* AllocateOrThrow(std::size_t n) {
-  void* p = Allocate(n);
-  if (p == nullptr) throw std::bad_alloc();
-  return p;
-}
-
-}  // namespace
-
-void* operator new(std::size_t n) { return AllocateOrThrow(n); }
-void* operator new[](std::size_t n) { return AllocateOrThrow(n); }
-void* operator new(std::size_t n, const std::nothrow_t&) noexcept { return Allocate(n); }
-void* operator new[](std::size_t n, const std::nothrow_t&) noexcept { return Allocate(n); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
-void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
-void operator delete[](void* p, const std::nothrow_t&) noexcept { std::free(p); }
 
 namespace {
 
@@ -306,14 +275,14 @@ TEST(HostileInstancesTest, ThousandsOfInstancesComeAndGo) {
 // Every allocation of kez_init in turn: null, and (the sanitizer build
 // checks) nothing leaked.
 TEST(HostileMemoryTest, CreationFailsCleanlyAtEveryAllocation) {
-  const long before = g_allocations;
+  const long before = kez_testing::heap.blocks;
   kez_stop(kez_init());
-  const long allocations = g_allocations - before;
+  const long allocations = kez_testing::heap.blocks - before;
   ASSERT_GT(allocations, 10);
   for (long k = 1; k <= allocations; ++k) {
-    g_failIn = k;
+    kez_testing::heap.failIn = k;
     kez_handle h = kez_init();
-    g_failIn = 0;
+    kez_testing::heap.failIn = 0;
     EXPECT_EQ(nullptr, h) << "allocation " << k;
     kez_stop(h);
   }
@@ -327,11 +296,11 @@ TEST_F(HostileTest, SamplesAndLinesSurviveAFailedAllocation) {
   int refused = 0;
   for (long k = 1; k <= 4; ++k) {
     for (int i = 0; i < 4; ++i, t += 5 * kMinuteMs) {
-      g_failIn = k;
+      kez_testing::heap.failIn = k;
       const int taken =
           kez_addStatusValue(h, t, 60.0f, 0.0f, 25.0f, 4.0f, 0.0f, 10.0, 3.0, 4.0);
-      const bool failed = g_failIn == 0;
-      g_failIn = 0;
+      const bool failed = kez_testing::heap.failIn == 0;
+      kez_testing::heap.failIn = 0;
       EXPECT_EQ(failed ? 0 : 1, taken) << "allocation " << k << ", sample " << i;
       if (failed) ++refused;
     }
@@ -342,18 +311,18 @@ TEST_F(HostileTest, SamplesAndLinesSurviveAFailedAllocation) {
   const std::string line =
       "1709700000000,x,61,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,1,2,0,0,0,25,4,0,0,0,7";
   for (long k = 1; k <= 80; ++k) {
-    g_failIn = k;
+    kez_testing::heap.failIn = k;
     kez_addStatusValues(h, line.c_str());
-    g_failIn = 0;
+    kez_testing::heap.failIn = 0;
   }
   // Forecasts: each scratch array in turn.
   stMobilePowerPredictionData out[3] = {{7, 7, 7}, {7, 7, 7}, {7, 7, 7}};
   int failedForecasts = 0;
   for (long k = 1; k <= 4; ++k) {
-    g_failIn = k;
+    kez_testing::heap.failIn = k;
     const int done = kez_predict(h, 3, out);
-    const bool failed = g_failIn == 0;
-    g_failIn = 0;
+    const bool failed = kez_testing::heap.failIn == 0;
+    kez_testing::heap.failIn = 0;
     EXPECT_EQ(failed ? 0 : 1, done) << "allocation " << k;
     if (failed) {
       ++failedForecasts;

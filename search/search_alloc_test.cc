@@ -1,6 +1,5 @@
 // Proves that a configured memory base does not allocate on its run-time
-// path. The global operator new of this test binary counts while counting is
-// switched on.
+// path, with the counting operator new of tests/support/CountingAllocator.h.
 //
 // What is allowed, exactly: a gap record resets every function, which
 // releases the history block of each stateful operator; at the next step each
@@ -15,44 +14,15 @@
 #include <new>
 
 #include "search/VelqaSPBase.h"
-
-namespace {
-
-bool g_counting = false;
-long g_allocations = 0;
-
-void* Allocate(std::size_t n) {
-  if (g_counting) ++g_allocations;
-  void* p = std::malloc(n == 0 ? 1 : n);
-  if (p == nullptr) throw std::bad_alloc();
-  return p;
-}
-
-}  // namespace
-
-void* operator new(std::size_t n) { return Allocate(n); }
-void* operator new[](std::size_t n) { return Allocate(n); }
-void* operator new(std::size_t n, const std::nothrow_t&) noexcept {
-  if (g_counting) ++g_allocations;
-  return std::malloc(n == 0 ? 1 : n);
-}
-void* operator new[](std::size_t n, const std::nothrow_t& t) noexcept { return operator new(n, t); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
-void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
-void operator delete[](void* p, const std::nothrow_t&) noexcept { std::free(p); }
+#include "support/CountingAllocator.h"
 
 namespace vorn {
 namespace {
 
 long Counted(void (*body)(void*), void* arg) {
-  g_allocations = 0;
-  g_counting = true;
+  const long before = kez_testing::heap.blocks;
   body(arg);
-  g_counting = false;
-  return g_allocations;
+  return kez_testing::heap.blocks - before;
 }
 
 VelqaSPOperator Op(int kind, int input) {

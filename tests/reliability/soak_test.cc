@@ -29,51 +29,7 @@
 
 #include "kez/kez.h"
 #include "SyntheticPhone.h"
-
-namespace {
-
-long g_allocations = 0;  // blocks handed out so far
-long g_liveBytes = 0;    // bytes in use (requested sizes)
-long g_peakBytes = 0;
-
-// Blocks carry their size in a header of one max_align_t.
-constexpr std::size_t kHeader = alignof(std::max_align_t);
-
-void* Allocate(std::size_t n) noexcept {
-  void* raw = std::malloc(n + kHeader);
-  if (raw == nullptr) return nullptr;
-  *static_cast<std::size_t*>(raw) = n;
-  ++g_allocations;
-  g_liveBytes += static_cast<long>(n);
-  if (g_liveBytes > g_peakBytes) g_peakBytes = g_liveBytes;
-  return static_cast<char*>(raw) + kHeader;
-}
-
-void Release(void* p) noexcept {
-  if (p == nullptr) return;
-  char* raw = static_cast<char*>(p) - kHeader;
-  g_liveBytes -= static_cast<long>(*reinterpret_cast<std::size_t*>(raw));
-  std::free(raw);
-}
-
-void* AllocateOrThrow(std::size_t n) {
-  void* p = Allocate(n);
-  if (p == nullptr) throw std::bad_alloc();
-  return p;
-}
-
-}  // namespace
-
-void* operator new(std::size_t n) { return AllocateOrThrow(n); }
-void* operator new[](std::size_t n) { return AllocateOrThrow(n); }
-void* operator new(std::size_t n, const std::nothrow_t&) noexcept { return Allocate(n); }
-void* operator new[](std::size_t n, const std::nothrow_t&) noexcept { return Allocate(n); }
-void operator delete(void* p) noexcept { Release(p); }
-void operator delete[](void* p) noexcept { Release(p); }
-void operator delete(void* p, std::size_t) noexcept { Release(p); }
-void operator delete[](void* p, std::size_t) noexcept { Release(p); }
-void operator delete(void* p, const std::nothrow_t&) noexcept { Release(p); }
-void operator delete[](void* p, const std::nothrow_t&) noexcept { Release(p); }
+#include "support/CountingAllocator.h"
 
 namespace {
 
@@ -110,10 +66,10 @@ TEST(SoakTest, AYearOfMinuteSamplesKeepsMemoryFlatAndForecastsSane) {
   const int days = SoakDays();
   static stMobilePowerPredictionData out[kForecastSteps];
 
-  const long beforeInit = g_liveBytes;
+  const long beforeInit = kez_testing::heap.liveBytes;
   kez_handle h = kez_init();
   ASSERT_NE(h, nullptr);
-  const long afterInit = g_liveBytes;
+  const long afterInit = kez_testing::heap.liveBytes;
 
   SyntheticPhone phone(7, 1);
   long samples = 0;
@@ -131,44 +87,44 @@ TEST(SoakTest, AYearOfMinuteSamplesKeepsMemoryFlatAndForecastsSane) {
       ++silences;
       regrowAllowed = true;
     }
-    const long allocationsBefore = g_allocations;
-    const long bytesBefore = g_liveBytes;
+    const long allocationsBefore = kez_testing::heap.blocks;
+    const long bytesBefore = kez_testing::heap.liveBytes;
     ASSERT_EQ(1, kez_addStatusValue(h, s.timeMs, s.levelPercent, s.charging, s.aux1, s.aux2,
                                     s.aux3, s.countA, s.countB1, s.countB2));
     ++samples;
-    const long allocated = g_allocations - allocationsBefore;
+    const long allocated = kez_testing::heap.blocks - allocationsBefore;
     if (allocated != 0) {
       ASSERT_TRUE(regrowAllowed) << "sample " << samples << " allocated " << allocated;
       ASSERT_EQ(kStatefulOperators, allocated) << "sample " << samples;
       regrowAllowed = false;
       // The first regrowth is undone by the gap record of the same sample;
       // the second one holds the histories from then on.
-      if (regrowths++ == 1) historyBytes = g_liveBytes - bytesBefore;
+      if (regrowths++ == 1) historyBytes = kez_testing::heap.liveBytes - bytesBefore;
     }
     // The first sample after configuration closes the empty step of time 0
     // and records the gap from there to now.
     if (samples == 1) regrowAllowed = true;
     if (afterFirstDay < 0 && phone.day() >= 1) {
-      afterFirstDay = g_liveBytes;
-      g_peakBytes = g_liveBytes;
+      afterFirstDay = kez_testing::heap.liveBytes;
+      kez_testing::heap.peakBytes = kez_testing::heap.liveBytes;
     }
 
     if (phone.minute() % 60 != 0) continue;
     // The search alone allocates nothing.
-    long mark = g_allocations;
+    long mark = kez_testing::heap.blocks;
     const int found = kez_similar_moments(h, kForecastSteps);
     ASSERT_GE(found, 0);
-    ASSERT_EQ(0, g_allocations - mark) << "search at sample " << samples;
+    ASSERT_EQ(0, kez_testing::heap.blocks - mark) << "search at sample " << samples;
     if (found > 0) ++neighbourForecasts;
 
     // A forecast allocates its scratch arrays and gives them back.
-    const long liveBefore = g_liveBytes;
-    mark = g_allocations;
+    const long liveBefore = kez_testing::heap.liveBytes;
+    mark = kez_testing::heap.blocks;
     const int variant = static_cast<int>(forecasts % 3);
     ASSERT_EQ(1, Forecast(h, variant, kForecastSteps, out));
     ++forecasts;
-    ASSERT_EQ(kForecastScratchBlocks, g_allocations - mark);
-    ASSERT_EQ(liveBefore, g_liveBytes);
+    ASSERT_EQ(kForecastScratchBlocks, kez_testing::heap.blocks - mark);
+    ASSERT_EQ(liveBefore, kez_testing::heap.liveBytes);
     ASSERT_TRUE(std::isfinite(out[0].distance)) << "forecast " << forecasts;
     for (int k = 0; k < kForecastSteps; ++k) {
       ASSERT_TRUE(InUnitRange(out[k].level)) << "forecast " << forecasts << " step " << k
@@ -177,11 +133,11 @@ TEST(SoakTest, AYearOfMinuteSamplesKeepsMemoryFlatAndForecastsSane) {
                                                 << " charging " << out[k].charging;
     }
   }
-  const long peakAfterFirstDay = g_peakBytes;
-  const long atEnd = g_liveBytes;
+  const long peakAfterFirstDay = kez_testing::heap.peakBytes;
+  const long atEnd = kez_testing::heap.liveBytes;
 
   kez_stop(h);
-  const long afterStop = g_liveBytes;
+  const long afterStop = kez_testing::heap.liveBytes;
 
   // Memory is flat over the year and comes back whole.
   EXPECT_EQ(afterFirstDay, atEnd);
