@@ -16,6 +16,17 @@
 #include "DisplayZone.h"
 #include "Replayer.h"
 
+// Help lines of the replay and time-zone options, for the tools' usage texts.
+#define KEZ_REPLAY_OPTIONS_HELP                                              \
+  "  --interval MIN     report every MIN minutes between logged samples\n"  \
+  "                     (default 5)\n"                                      \
+  "  --max-silence H    samples more than H hours apart leave a gap: the\n" \
+  "                     phone was off (default 12)\n"                       \
+  "  --as-logged        feed the logged samples only, add no reports\n"
+#define KEZ_ZONE_OPTIONS_HELP                                                \
+  "  --tz-offset HOURS  show and read times at this offset from UTC\n"      \
+  "  --local            show and read times in the local time zone (TZ)\n"
+
 namespace kez_tools {
 
 // What a Take...Option call did with the argument `a` just taken.

@@ -51,16 +51,11 @@ const char kUsage[] =
     "  --format F         text (default), csv (one row per step) or json\n"
     "  --every N          text table: one row per N steps (default 3)\n"
     "  --svg FILE         also draw a chart of the last 2 days and the forecast\n"
-    "  --tz-offset HOURS  show and read times at this offset from UTC\n"
-    "  --local            show and read times in the local time zone (TZ)\n"
+    KEZ_ZONE_OPTIONS_HELP
     "                     (default: UTC)\n"
     "replay:\n"
     "  --status-lines     LOG holds the host's status lines, not CSV\n"
-    "  --interval MIN     report every MIN minutes between logged samples\n"
-    "                     (default 5)\n"
-    "  --max-silence H    samples more than H hours apart leave a gap: the\n"
-    "                     phone was off (default 12)\n"
-    "  --as-logged        feed the logged samples only, add no reports\n"
+    KEZ_REPLAY_OPTIONS_HELP
     "\n"
     "  -h, --help         this text;  --version  the library's version\n"
     "\n"

@@ -11,7 +11,7 @@
 
 #include "FeatureDescription.h"
 #include "FeatureTuner.h"
-#include "Simulator.h"
+#include "SmallTuneSetup.h"
 #include "search/VelqaSPFunction.h"
 
 namespace kez_tune {
@@ -20,28 +20,11 @@ namespace {
 using kez_tools::kHourMs;
 
 const std::vector<kez_tools::Log>& SmallLogs() {
-  static const std::vector<kez_tools::Log> logs = [] {
-    kez_tools::SimOptions o;
-    o.days = 12;
-    o.seed = 9;
-    kez_tools::Log log = kez_tools::Simulate(o);
-    log.source = "sim-12d";
-    return std::vector<kez_tools::Log>{log};
-  }();
+  static const std::vector<kez_tools::Log> logs = SmallSimulatedLogs(9);
   return logs;
 }
 
-TunePlan SmallPlan() {
-  TunePlan plan;
-  plan.warmup_ms = 4 * kez_eval::kDayMs;
-  plan.search_every_ms = 4 * kHourMs;
-  plan.final_every_ms = 2 * kHourMs;
-  plan.objective_horizons_ms = {4 * kHourMs, 8 * kHourMs, 12 * kHourMs};
-  plan.report_horizons_ms = {2 * kHourMs, 8 * kHourMs};
-  plan.generations = 5;
-  plan.seed = 4;
-  return plan;
-}
+TunePlan SmallPlan() { return SmallTunePlan(5, 4); }
 
 struct FeatureRun {
   FeatureTuneResult result;

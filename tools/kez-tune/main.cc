@@ -80,11 +80,7 @@ const char kUsage[] =
     "                     1,2,4,8,12,24)\n"
     "replay:\n"
     "  --status-lines     the logs hold the host's status lines, not CSV\n"
-    "  --interval MIN     report every MIN minutes between logged samples\n"
-    "                     (default 5)\n"
-    "  --max-silence H    samples more than H hours apart leave a gap: the\n"
-    "                     phone was off (default 12)\n"
-    "  --as-logged        feed the logged samples only, add no reports\n"
+    KEZ_REPLAY_OPTIONS_HELP
     "output:\n"
     "  --out FILE         weights: write the result as a parameter file\n"
     "                     (accuracy = its objective on the tuning part);\n"

@@ -1,0 +1,42 @@
+// For the tuners' tests: a small simulated log (12 days of the regular
+// routine) and a tuning plan scaled to it (4-day warm-up, coarse forecast
+// grids, three objective horizons), so that a whole tuning run takes well
+// under a second.
+#ifndef KEZ_TOOLS_TUNE_SMALL_TUNE_SETUP_H_
+#define KEZ_TOOLS_TUNE_SMALL_TUNE_SETUP_H_
+
+#include <cstdint>
+#include <vector>
+
+#include "Evaluation.h"
+#include "LogSample.h"
+#include "Simulator.h"
+#include "TunePlan.h"
+
+namespace kez_tune {
+
+inline std::vector<kez_tools::Log> SmallSimulatedLogs(uint64_t seed) {
+  kez_tools::SimOptions o;
+  o.days = 12;
+  o.seed = seed;
+  kez_tools::Log log = kez_tools::Simulate(o);
+  log.source = "sim-12d";
+  return std::vector<kez_tools::Log>{log};
+}
+
+inline TunePlan SmallTunePlan(int generations, uint64_t seed) {
+  using kez_tools::kHourMs;
+  TunePlan plan;
+  plan.warmup_ms = 4 * kez_eval::kDayMs;
+  plan.search_every_ms = 4 * kHourMs;
+  plan.final_every_ms = 2 * kHourMs;
+  plan.objective_horizons_ms = {4 * kHourMs, 8 * kHourMs, 12 * kHourMs};
+  plan.report_horizons_ms = {2 * kHourMs, 8 * kHourMs};
+  plan.generations = generations;
+  plan.seed = seed;
+  return plan;
+}
+
+}  // namespace kez_tune
+
+#endif  // KEZ_TOOLS_TUNE_SMALL_TUNE_SETUP_H_
