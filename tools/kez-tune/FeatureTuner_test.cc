@@ -17,7 +17,6 @@
 namespace kez_tune {
 namespace {
 
-
 const std::vector<kez_tools::Log>& SmallLogs() {
   static const std::vector<kez_tools::Log> logs = SmallSimulatedLogs(9);
   return logs;
