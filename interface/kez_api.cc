@@ -6,15 +6,11 @@
 #include <new>
 #include <string>
 
+#include "interface/HostTime.h"
 #include "interface/KEZ.h"
 #include "kez/kez.h"
 
 namespace {
-
-// Unix milliseconds to days, converted as an unsigned value.
-double MillisecondsToDays(uint64_t timeMs) {
-  return static_cast<double>(timeMs) / 86400000.0;
-}
 
 kez::KEZ* Instance(kez_handle handle) { return static_cast<kez::KEZ*>(handle); }
 
@@ -61,7 +57,7 @@ int kez_addStatusValue(kez_handle handle, uint64_t timeMs, float levelPercent,
                        double countA, double countB1, double countB2) {
   if (handle == nullptr) return 0;
   try {
-    return Instance(handle)->addStatusValue(MillisecondsToDays(timeMs),
+    return Instance(handle)->addStatusValue(kez::MillisecondsToDays(timeMs),
                                             levelPercent, charging, aux1, aux2,
                                             aux3, countA, countB1, countB2);
   } catch (...) {

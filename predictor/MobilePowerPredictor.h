@@ -78,10 +78,18 @@ class KEZ_EXPORT MobilePowerPredictor : public MobilePowerPredictorCore {
   double ChargeRate() const;
   double DischargeRate() const;
 
- private:
-  void ResetRunningState(double time);
+  // The forecast Predict falls back on when no similar past moment is found:
+  // the running rates applied from the last sample's level, each step
+  // clamped to 0 .. 1. chargingMode < 0: the rate is chosen once from the
+  // last charging state (above 0.5 charges); 0 or 1: per step from the state
+  // forced for the steps below holdSteps. Writes level and charging of all
+  // `count` elements, and distance of none. Offline tools use it as the
+  // running-rate baseline, so that it is always the forecaster's own.
   void Extrapolate(int count, MobilePowerPredictionData* out,
                    int chargingMode, int holdSteps) const;
+
+ private:
+  void ResetRunningState(double time);
 };
 
 }  // namespace vorn
