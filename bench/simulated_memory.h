@@ -12,7 +12,6 @@
 #include "KezSession.h"
 #include "Replayer.h"
 #include "Simulator.h"
-#include "interface/KEZ.h"
 
 namespace kez_bench {
 
@@ -21,9 +20,7 @@ struct SimulatedMemory {
   std::vector<kez_tools::Report> reports;  // every report the replay made
   kez_tools::KezSession session;           // fed all of them
 
-  vorn::MobilePowerPredictor& predictor() {
-    return *static_cast<kez::KEZ*>(session.handle())->impl->predictor;
-  }
+  vorn::MobilePowerPredictor& predictor() { return session.predictor(); }
 };
 
 // Built once per process (a few hundred milliseconds).

@@ -1,7 +1,8 @@
 // The operator's genome: random generation, mutation, the flat double
 // encoding and the configuration comparison. Every random choice draws from
 // rand() in a fixed order, so a fixed srand() seed gives the same operators
-// on every platform.
+// again with the same C library; rand()'s sequence itself differs between C
+// libraries, so operators made on one platform are not those of another.
 #include <cstdlib>
 
 #include "foundation/Random.h"

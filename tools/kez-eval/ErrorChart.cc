@@ -6,12 +6,10 @@
 
 #include "MarkupText.h"
 
-namespace kez_eval {
+namespace kez_tools {
 
 namespace {
 
-using kez_tools::SvgNumber;
-using kez_tools::XmlEscape;
 
 const char* const kColors[kMethodCount] = {"#1f5fbf", "#6b6b6b", "#d9731a",
                                            "#2e9e44", "#8e44ad"};
@@ -166,4 +164,4 @@ void WriteErrorChart(std::ostream& out, const LogEvaluation& r,
   out << "</svg>\n";
 }
 
-}  // namespace kez_eval
+}  // namespace kez_tools

@@ -11,11 +11,11 @@
 
 #include "Evaluation.h"
 
-namespace kez_eval {
+namespace kez_tools {
 
 void WriteErrorChart(std::ostream& out, const LogEvaluation& result,
                      const std::string& title, const std::string& subtitle);
 
-}  // namespace kez_eval
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_EVAL_ERROR_CHART_H_

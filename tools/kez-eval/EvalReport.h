@@ -13,7 +13,7 @@
 #include "DisplayZone.h"
 #include "Evaluation.h"
 
-namespace kez_eval {
+namespace kez_tools {
 
 struct ReportHeader {
   std::string version;  // the library's version text
@@ -44,6 +44,6 @@ void WriteReportJson(std::ostream& out, const ReportHeader& header,
 // beats the forecaster (used by the text report, kept apart for tests).
 std::vector<std::string> Verdict(const LogEvaluation& result);
 
-}  // namespace kez_eval
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_EVAL_EVAL_REPORT_H_

@@ -5,11 +5,10 @@
 #include "EvalReport.h"
 #include "MarkupText.h"
 
-namespace kez_eval {
+namespace kez_tools {
 
 namespace {
 
-using kez_tools::JsonString;
 
 std::string HoursNumber(int64_t ms) {
   char b[32];
@@ -209,4 +208,4 @@ void WriteReportJson(std::ostream& out, const ReportHeader& header,
   out << "\n}\n";
 }
 
-}  // namespace kez_eval
+}  // namespace kez_tools

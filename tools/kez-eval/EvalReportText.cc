@@ -5,24 +5,16 @@
 #include <cmath>
 #include <cstdio>
 
-#include "ForecastOutput.h"
+#include "ReplayDescription.h"
 #include "TimeText.h"
+#include "TextFormat.h"
 
-namespace kez_eval {
+namespace kez_tools {
 
 namespace {
 
-using kez_tools::FormatDateTime;
-using kez_tools::FormatDuration;
 
 constexpr int kMethodWidth = 15;
-
-std::string Fixed(double v, int digits) {
-  if (std::isnan(v)) return "-";
-  char b[64];
-  std::snprintf(b, sizeof b, "%.*f", digits, v);
-  return b;
-}
 
 std::string Hours(int64_t ms) {
   char b[32];
@@ -34,18 +26,6 @@ std::string Share(size_t part, size_t whole) {
   if (whole == 0) return "-";
   return Fixed(100.0 * static_cast<double>(part) / static_cast<double>(whole),
                1) + " %";
-}
-
-std::string PadLeft(const std::string& s, size_t width) {
-  return s.size() >= width ? s : std::string(width - s.size(), ' ') + s;
-}
-
-std::string PadRight(const std::string& s, size_t width) {
-  return s.size() >= width ? s : s + std::string(width - s.size(), ' ');
-}
-
-std::string Count(size_t n, const char* one, const char* many) {
-  return std::to_string(n) + " " + (n == 1 ? one : many);
 }
 
 // Index of the smallest non-NaN value, or -1.
@@ -71,7 +51,7 @@ int BestBaseline(const double (&values)[kMethodCount]) {
 std::string MethodHeader() {
   std::string s;
   for (int m = 0; m < kMethodCount; ++m) {
-    s += PadLeft(MethodTitle(m), kMethodWidth);
+    s += Pad(MethodTitle(m), kMethodWidth, true);
   }
   return s;
 }
@@ -83,7 +63,7 @@ std::string MethodCells(const double (&values)[kMethodCount],
   std::string s;
   for (int m = 0; m < kMethodCount; ++m) {
     bool top = best >= 0 && values[m] == values[best];
-    s += PadLeft(cells[m] + (top ? "*" : " "), kMethodWidth);
+    s += Pad(cells[m] + (top ? "*" : " "), kMethodWidth, true);
   }
   return s;
 }
@@ -97,8 +77,8 @@ void WriteLevelTable(std::ostream& out, const LogEvaluation& r, int c) {
            "horizon): mean absolute error (90th percentile), percentage "
            "points\n";
   }
-  out << PadRight("horizon", 8) << PadLeft("pairs", 6)
-      << (c == kFreeForecast ? PadLeft("learned", 9) : std::string())
+  out << Pad("horizon", 8) << Pad("pairs", 6, true)
+      << (c == kFreeForecast ? Pad("learned", 9, true) : std::string())
       << MethodHeader() << "  left out\n";
   for (const HorizonResult& h : r.horizons) {
     double values[kMethodCount];
@@ -121,9 +101,9 @@ void WriteLevelTable(std::ostream& out, const LogEvaluation& r, int c) {
         "in silences");
     add(c == kFreeForecast ? h.left_after_end : h.nocharge_left_after_end,
         "after the end");
-    out << PadRight(Hours(h.horizon_ms), 8)
-        << PadLeft(std::to_string(pairs), 6)
-        << (c == kFreeForecast ? PadLeft(Share(h.learned, h.pairs), 9)
+    out << Pad(Hours(h.horizon_ms), 8)
+        << Pad(std::to_string(pairs), 6, true)
+        << (c == kFreeForecast ? Pad(Share(h.learned, h.pairs), 9, true)
                                : std::string())
         << MethodCells(values, cells) << "  " << (left.empty() ? "-" : left)
         << "\n";
@@ -134,7 +114,7 @@ void WriteLevelTable(std::ostream& out, const LogEvaluation& r, int c) {
 void WriteBrierTable(std::ostream& out, const LogEvaluation& r) {
   out << "Chance of charging, free forecast: Brier score (0 is perfect; a "
          "constant 50 % scores 0.25)\n";
-  out << PadRight("horizon", 8) << PadLeft("pairs", 6) << MethodHeader()
+  out << Pad("horizon", 8) << Pad("pairs", 6, true) << MethodHeader()
       << "\n";
   for (const HorizonResult& h : r.horizons) {
     double values[kMethodCount];
@@ -143,8 +123,8 @@ void WriteBrierTable(std::ostream& out, const LogEvaluation& r) {
       values[m] = h.charging[m].Brier();
       cells[m] = Fixed(values[m], 3);
     }
-    out << PadRight(Hours(h.horizon_ms), 8)
-        << PadLeft(std::to_string(h.charging[kForecaster].count()), 6)
+    out << Pad(Hours(h.horizon_ms), 8)
+        << Pad(std::to_string(h.charging[kForecaster].count()), 6, true)
         << MethodCells(values, cells) << "\n";
   }
   out << "\n";
@@ -170,7 +150,7 @@ void WriteLowTable(std::ostream& out, const LogEvaluation& r,
     out << "\n";
     return;
   }
-  out << PadRight("variant", 14) << MethodHeader() << "\n";
+  out << Pad("variant", 14) << MethodHeader() << "\n";
   for (int c = 0; c < kConditionCount; ++c) {
     double values[kMethodCount];
     std::string cells[kMethodCount];
@@ -179,7 +159,7 @@ void WriteLowTable(std::ostream& out, const LogEvaluation& r,
       cells[m] = Fixed(values[m], 0) + " [" +
                  std::to_string(r.low.misses[c][m]) + "]";
     }
-    out << PadRight(ConditionTitle(c), 14) << MethodCells(values, cells)
+    out << Pad(ConditionTitle(c), 14) << MethodCells(values, cells)
         << "\n";
   }
   out << "\n";
@@ -349,4 +329,4 @@ void WriteReportText(std::ostream& out, const ReportHeader& header,
   if (combined != nullptr) WriteSection(out, header, *combined, true);
 }
 
-}  // namespace kez_eval
+}  // namespace kez_tools

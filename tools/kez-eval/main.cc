@@ -23,11 +23,12 @@
 #include "ParameterFile.h"
 #include "TimeText.h"
 #include "kez/kez.h"
+#include "TextFormat.h"
 
 namespace {
 
 using namespace kez_tools;
-using namespace kez_eval;
+using namespace kez_tools;
 
 const ToolMessages kMessages("kez-eval");
 int Usage(const std::string& error) { return kMessages.Usage(error); }
@@ -77,11 +78,6 @@ const char kUsage[] =
     "Exit status: 0 when forecasts were judged, 1 when a log cannot be read\n"
     "or no log allowed any forecast, 2 for a wrong command line.\n"
     "example: kez-eval --svg error.svg examples/routine-35d.csv\n";
-
-std::string BaseName(const std::string& path) {
-  size_t slash = path.find_last_of('/');
-  return slash == std::string::npos ? path : path.substr(slash + 1);
-}
 
 // "\r<log>: 312/672 forecast points" on a terminal, nothing otherwise.
 class Progress {

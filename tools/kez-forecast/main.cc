@@ -166,9 +166,6 @@ int main(int argc, char** argv) {
   }
 
   KezSession session;
-  if (session.handle() == nullptr) {
-    return Fail("the library could not create an instance");
-  }
   if (!params.empty() && !session.UseModel(parameter)) {
     return Fail("the library could not create an instance");
   }
@@ -176,7 +173,7 @@ int main(int argc, char** argv) {
   replayer.ReplayTo(at_ms >= 0 ? at_ms : last);
 
   Forecast forecast;
-  if (!MakeForecast(session.handle(), steps, wanted, session.last_time_ms(),
+  if (!MakeForecast(session.instance(), steps, wanted, session.last_time_ms(),
                     *session.last_sample(), &forecast, &error)) {
     return Fail(error);
   }

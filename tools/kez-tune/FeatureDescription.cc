@@ -5,7 +5,7 @@
 #include "search/VelqaSPFunction.h"
 #include "search/VelqaSPOperator.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 namespace {
 
@@ -63,4 +63,4 @@ std::vector<std::string> DescribeFeatures(const std::vector<double>& genome) {
   return lines;
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools

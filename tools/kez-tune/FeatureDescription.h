@@ -13,10 +13,10 @@
 #include <string>
 #include <vector>
 
-namespace kez_tune {
+namespace kez_tools {
 
 std::vector<std::string> DescribeFeatures(const std::vector<double>& genome);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_FEATURE_DESCRIPTION_H_

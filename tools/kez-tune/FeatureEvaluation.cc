@@ -3,25 +3,12 @@
 #include <cmath>
 #include <limits>
 
+#include "ForecastPoints.h"
 #include "KezSession.h"
 #include "LogTruth.h"
-#include "Replayer.h"
-#include "interface/KEZ.h"
 #include "predictor/MobilePowerPredictor.h"
 
-namespace kez_tune {
-
-using kez_tools::kStepMs;
-
-namespace {
-
-int64_t AlignUp(int64_t t, int64_t every) {
-  int64_t r = t % every;
-  if (r < 0) r += every;
-  return r == 0 ? t : t + (every - r);
-}
-
-}  // namespace
+namespace kez_tools {
 
 std::vector<double> DefaultFeatureGenome() {
   vorn::MobilePowerPredictor model{vorn::MobilePowerPredictorParameter()};
@@ -30,11 +17,11 @@ std::vector<double> DefaultFeatureGenome() {
   return std::vector<double>(code.data, code.data + code.count);
 }
 
-bool EvaluateFeatures(const kez_tools::Log& log,
+bool EvaluateFeatures(const Log& log,
                       const std::vector<double>& genome,
-                      const kez_eval::EvalOptions& o,
+                      const EvalOptions& o,
                       FeatureEvaluation* result, std::string* error) {
-  if (!kez_eval::CheckOptions(o, error)) return false;
+  if (!CheckOptions(o, error)) return false;
   if (log.samples.empty()) {
     *error = log.source + ": the log holds no sample";
     return false;
@@ -43,49 +30,29 @@ bool EvaluateFeatures(const kez_tools::Log& log,
   r.horizons_ms = o.horizons_ms;
   r.level.resize(o.horizons_ms.size());
 
-  const int64_t first_ms = log.samples.front().time_ms;
-  const int64_t last_ms = log.samples.back().time_ms;
-  const int64_t truth_end = o.has_to && o.to_ms < last_ms ? o.to_ms : last_ms;
-  int64_t first_point = first_ms + o.warmup_ms;
-  if (o.has_from && o.from_ms > first_point) first_point = o.from_ms;
-  first_point = AlignUp(first_point, o.every_ms);
-  if (first_point > truth_end) {
+  const ForecastPoints grid(log, o);
+  if (grid.empty()) {
     *result = std::move(r);
     return true;
   }
+  const int64_t truth_end = grid.truth_end_ms();
 
-  kez_tools::KezSession session;
-  if (session.handle() == nullptr) {
-    *error = "the library could not create an instance";
-    return false;
-  }
-  vorn::MobilePowerPredictor* core =
-      static_cast<kez::KEZ*>(session.handle())->impl->predictor;
+  KezSession session;
+  vorn::MobilePowerPredictor& core = session.predictor();
   if (!genome.empty()) {
-    core->DecodeFeature(genome.data(), static_cast<int>(genome.size()));
+    core.DecodeFeature(genome.data(), static_cast<int>(genome.size()));
   }
-  const int channels = core->channelCount;
+  const int channels = core.channelCount;
   const int steps = static_cast<int>(o.horizons_ms.back() / kStepMs);
   std::vector<double> mean(static_cast<size_t>(steps) * channels);
   std::vector<double> stdev(mean.size());
 
-  kez_eval::LogTruth truth(log, o.replay.max_silence_ms);
-  kez_tools::Replayer replayer(log, o.replay, session.Sink());
-  int64_t previous_start = -1;
-  for (int64_t point = first_point; point <= truth_end; point += o.every_ms) {
-    replayer.ReplayTo(point);
-    const kez_tools::LogSample* last_logged = replayer.last_sample();
-    if (last_logged == nullptr ||
-        point - last_logged->time_ms > o.replay.max_silence_ms) {
-      continue;  // the phone was off: no forecast
-    }
-    const int64_t start = session.last_time_ms();
-    if (start == previous_start) continue;  // the same forecast again
-    previous_start = start;
-
-    const bool learned = core->Predict(steps, mean.data(), stdev.data(),
-                                       nullptr, nullptr);
-    const double level_now = session.last_sample()->level_percent;
+  LogTruth truth(log, o.replay.max_silence_ms);
+  auto visit = [&](const ForecastPoint& fp) -> bool {
+    const int64_t start = fp.start_ms;
+    const bool learned = core.Predict(steps, mean.data(), stdev.data(),
+                                      nullptr, nullptr);
+    const double level_now = fp.last->level_percent;
     ++r.points;
     if (learned) ++r.learned;
     for (size_t h = 0; h < o.horizons_ms.size(); ++h) {
@@ -98,7 +65,11 @@ bool EvaluateFeatures(const kez_tools::Log& log,
                   : level_now;
       r.level[h].Add(std::fabs(forecast - level));
     }
-  }
+    return true;
+  };
+  PointCounts counts;
+  ReplayStats replay;
+  grid.Run(session, visit, &counts, &replay);
   *result = std::move(r);
   return true;
 }
@@ -136,4 +107,4 @@ double FeatureScore(const FeatureEvaluation& result,
                 : sum / static_cast<double>(n);
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools

@@ -8,7 +8,7 @@
 // feeds it (KezSession and the Replayer's policy), so every sample reaches
 // the core's AddRawData through MobilePowerPredictor's channel vector. At
 // each forecast point (the grid, warm-up, from/to and left-out rules of
-// kez_eval::EvaluateLog) the core forecasts the longest horizon; the level
+// kez_tools::EvaluateLog) the core forecasts the longest horizon; the level
 // channel (channel 0, a fraction) at step k, the moment (k + 1) x 10
 // minutes after the last report, is compared with the log's level there.
 // When the core finds no similar past moment its forecast is empty and the
@@ -26,12 +26,12 @@
 #include "Evaluation.h"
 #include "LogSample.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 struct FeatureEvaluation {
   std::vector<int64_t> horizons_ms;
   // Absolute level error per horizon, percentage points.
-  std::vector<kez_eval::ErrorStats> level;
+  std::vector<kez_tools::ErrorStats> level;
   size_t points = 0;   // forecasts made
   size_t learned = 0;  // of them, from similar past moments
 };
@@ -44,7 +44,7 @@ std::vector<double> DefaultFeatureGenome();
 // unusable options or a library failure.
 bool EvaluateFeatures(const kez_tools::Log& log,
                       const std::vector<double>& genome,
-                      const kez_eval::EvalOptions& options,
+                      const kez_tools::EvalOptions& options,
                       FeatureEvaluation* result, std::string* error);
 
 // Pools results made with the same horizons.
@@ -55,6 +55,6 @@ FeatureEvaluation CombineFeatures(const std::vector<FeatureEvaluation>& parts);
 double FeatureScore(const FeatureEvaluation& result,
                     const std::vector<int64_t>& horizons_ms);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_FEATURE_EVALUATION_H_

@@ -2,7 +2,7 @@
 
 #include "ParallelRunner.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 bool EvaluateFeatureSets(const std::vector<kez_tools::Log>& logs,
                          const TunePlan& plan,
@@ -17,7 +17,7 @@ bool EvaluateFeatureSets(const std::vector<kez_tools::Log>& logs,
   RunParallel(count, plan.threads, [&](size_t i) {
     const FeatureJob& job = jobs[i / per_job];
     const kez_tools::Log& log = logs[i % per_job];
-    const kez_eval::EvalOptions options =
+    const kez_tools::EvalOptions options =
         PartOptions(log, plan, job.part, job.every_ms, job.horizons_ms);
     ok[i] = EvaluateFeatures(log, job.genome, options, &done[i], &errors[i])
                 ? 1
@@ -41,4 +41,4 @@ bool EvaluateFeatureSets(const std::vector<kez_tools::Log>& logs,
   return true;
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools

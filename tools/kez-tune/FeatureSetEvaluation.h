@@ -14,7 +14,7 @@
 #include "LogSample.h"
 #include "TunePlan.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 struct FeatureJob {
   std::vector<double> genome;
@@ -38,6 +38,6 @@ bool EvaluateFeatureSets(const std::vector<kez_tools::Log>& logs,
                          std::vector<FeatureSetResult>* results,
                          std::string* error);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_FEATURE_SET_EVALUATION_H_

@@ -9,7 +9,7 @@
 #include "foundation/FList.h"
 #include "predictor/MobilePowerPredictor.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 namespace {
 
@@ -148,4 +148,4 @@ bool TuneFeatures(const std::vector<kez_tools::Log>& logs,
   return true;
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools

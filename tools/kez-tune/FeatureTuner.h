@@ -35,7 +35,7 @@
 #include "LogSample.h"
 #include "TunePlan.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 struct FeatureSearchOptions {
   int offspring = 2;  // children per generation
@@ -72,6 +72,6 @@ bool TuneFeatures(const std::vector<kez_tools::Log>& logs,
                   const std::function<void(const FeatureGeneration&)>& progress,
                   FeatureTuneResult* result, std::string* error);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_FEATURE_TUNER_H_

@@ -14,7 +14,7 @@
 #include "SmallTuneSetup.h"
 #include "search/VelqaSPFunction.h"
 
-namespace kez_tune {
+namespace kez_tools {
 namespace {
 
 const std::vector<kez_tools::Log>& SmallLogs() {
@@ -67,7 +67,7 @@ bool HasDuplicateChains(const std::vector<double>& genome) {
 
 TEST(FeatureTunerTest, DefaultGenomeJudgesLikeTheUntouchedDefaultModel) {
   const TunePlan plan = SmallPlan();
-  const kez_eval::EvalOptions o =
+  const kez_tools::EvalOptions o =
       PartOptions(SmallLogs()[0], plan, kTuningPart, plan.search_every_ms,
                   plan.objective_horizons_ms);
   FeatureEvaluation decoded, untouched;
@@ -141,4 +141,4 @@ TEST(FeatureTunerTest, SameSeedGivesTheSameRunOnOneOrTwoThreads) {
 }
 
 }  // namespace
-}  // namespace kez_tune
+}  // namespace kez_tools

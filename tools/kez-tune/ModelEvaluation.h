@@ -1,7 +1,7 @@
 // Judges parameter records (models) on the logs of a tuning run, several at
 // a time on the plan's threads. Every (model, log) pair is one evaluation
-// with an instance of its own (kez_eval::EvaluateLog); results are pooled
-// per model over the logs (kez_eval::Combine) and scored with the plan's
+// with an instance of its own (kez_tools::EvaluateLog); results are pooled
+// per model over the logs (kez_tools::Combine) and scored with the plan's
 // objective. The results do not depend on the number of threads.
 #ifndef KEZ_TOOLS_TUNE_MODEL_EVALUATION_H_
 #define KEZ_TOOLS_TUNE_MODEL_EVALUATION_H_
@@ -15,7 +15,7 @@
 #include "TunePlan.h"
 #include "predictor/MobilePowerPredictorParameter.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 struct ModelJob {
   vorn::MobilePowerPredictorParameter model;
@@ -25,8 +25,8 @@ struct ModelJob {
 };
 
 struct ModelResult {
-  std::vector<kez_eval::LogEvaluation> logs;  // one per log, in log order
-  kez_eval::LogEvaluation pooled;             // all logs together
+  std::vector<kez_tools::LogEvaluation> logs;  // one per log, in log order
+  kez_tools::LogEvaluation pooled;             // all logs together
   double score = 0;  // the objective on `pooled` (NaN without pairs)
 };
 
@@ -36,6 +36,6 @@ bool EvaluateModels(const std::vector<kez_tools::Log>& logs,
                     const TunePlan& plan, const std::vector<ModelJob>& jobs,
                     std::vector<ModelResult>* results, std::string* error);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_MODEL_EVALUATION_H_

@@ -4,7 +4,7 @@
 #include <thread>
 #include <vector>
 
-namespace kez_tune {
+namespace kez_tools {
 
 void RunParallel(size_t count, int threads,
                  const std::function<void(size_t)>& job) {
@@ -21,4 +21,4 @@ void RunParallel(size_t count, int threads,
   for (std::thread& t : pool) t.join();
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools

@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <functional>
 
-namespace kez_tune {
+namespace kez_tools {
 
 // Calls job(i) for every i in [0, count) on up to `threads` threads (at
 // least one; the calling thread is one of them) and returns when all are
@@ -17,6 +17,6 @@ namespace kez_tune {
 void RunParallel(size_t count, int threads,
                  const std::function<void(size_t)>& job);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_PARALLEL_RUNNER_H_

@@ -13,7 +13,7 @@
 #include "Simulator.h"
 #include "TunePlan.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 inline std::vector<kez_tools::Log> SmallSimulatedLogs(uint64_t seed) {
   kez_tools::SimOptions o;
@@ -27,7 +27,7 @@ inline std::vector<kez_tools::Log> SmallSimulatedLogs(uint64_t seed) {
 inline TunePlan SmallTunePlan(int generations, uint64_t seed) {
   using kez_tools::kHourMs;
   TunePlan plan;
-  plan.warmup_ms = 4 * kez_eval::kDayMs;
+  plan.warmup_ms = 4 * kez_tools::kDayMs;
   plan.search_every_ms = 4 * kHourMs;
   plan.final_every_ms = 2 * kHourMs;
   plan.objective_horizons_ms = {4 * kHourMs, 8 * kHourMs, 12 * kHourMs};
@@ -37,6 +37,6 @@ inline TunePlan SmallTunePlan(int generations, uint64_t seed) {
   return plan;
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_SMALL_TUNE_SETUP_H_

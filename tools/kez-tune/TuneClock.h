@@ -7,7 +7,7 @@
 #include <chrono>
 #include <cmath>
 
-namespace kez_tune {
+namespace kez_tools {
 
 inline double SecondsSince(std::chrono::steady_clock::time_point since) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - since)
@@ -20,6 +20,6 @@ inline bool Better(double a, double b) {
   return a < b;
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_TUNE_CLOCK_H_

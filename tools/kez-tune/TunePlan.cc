@@ -6,9 +6,8 @@
 
 #include "TimeText.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
-using kez_tools::kStepMs;
 
 namespace {
 
@@ -21,7 +20,7 @@ bool CheckHorizons(const std::vector<int64_t>& horizons, const char* what,
   int64_t previous = 0;
   for (int64_t h : horizons) {
     if (h <= 0 || h % kStepMs != 0 || h <= previous ||
-        h > 30 * kez_eval::kDayMs) {
+        h > 30 * kez_tools::kDayMs) {
       *error = std::string(what) +
                " horizons must be ascending positive multiples of 10 minutes "
                "up to 30 days";
@@ -100,11 +99,11 @@ int64_t SplitTime(const kez_tools::Log& log, const TunePlan& plan) {
   return start + std::llround(static_cast<double>(last - start) * plan.split);
 }
 
-kez_eval::EvalOptions PartOptions(const kez_tools::Log& log,
+kez_tools::EvalOptions PartOptions(const kez_tools::Log& log,
                                   const TunePlan& plan, Part part,
                                   int64_t every_ms,
                                   const std::vector<int64_t>& horizons_ms) {
-  kez_eval::EvalOptions o;
+  kez_tools::EvalOptions o;
   o.replay = plan.replay;
   o.warmup_ms = plan.warmup_ms;
   o.every_ms = every_ms;
@@ -131,15 +130,15 @@ std::vector<int64_t> FinalHorizons(const TunePlan& plan) {
   return all;
 }
 
-double ObjectiveScore(const kez_eval::LogEvaluation& result,
+double ObjectiveScore(const kez_tools::LogEvaluation& result,
                       const std::vector<int64_t>& horizons_ms) {
   double sum = 0;
   int n = 0;
   for (int64_t h : horizons_ms) {
-    for (const kez_eval::HorizonResult& r : result.horizons) {
+    for (const kez_tools::HorizonResult& r : result.horizons) {
       if (r.horizon_ms != h) continue;
-      const kez_eval::ErrorStats& e =
-          r.level[kez_eval::kFreeForecast][kez_eval::kForecaster];
+      const kez_tools::ErrorStats& e =
+          r.level[kez_tools::kFreeForecast][kez_tools::kForecaster];
       if (e.count() > 0) {
         sum += e.Mean();
         ++n;
@@ -159,4 +158,4 @@ std::string HorizonList(const std::vector<int64_t>& horizons_ms) {
   return text;
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools

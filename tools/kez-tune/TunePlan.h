@@ -5,7 +5,7 @@
 // warm-up to its last sample; the first `split` share of that span is the
 // tuning part and the rest is held out. A tuning evaluation makes forecasts
 // at points up to the split and judges them only against the log up to the
-// split (kez_eval's `to`), so the search never sees the held-out part; a
+// split (the evaluation's `to`), so the search never sees the held-out part; a
 // held-out evaluation replays the whole log from its start (the memory
 // learns from the past as a phone's would) but judges only forecasts made
 // after the split.
@@ -26,13 +26,13 @@
 #include "LogSample.h"
 #include "Replayer.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 enum Part { kTuningPart = 0, kHeldOutPart = 1 };
 
 struct TunePlan {
   kez_tools::ReplayOptions replay;
-  int64_t warmup_ms = 7 * kez_eval::kDayMs;
+  int64_t warmup_ms = 7 * kez_tools::kDayMs;
   double split = 0.7;  // share of each log's forecast span used for tuning
   // Forecast grid while searching (coarse: fast) and for the final
   // evaluations of the start and the result (fine).
@@ -65,7 +65,7 @@ bool CheckLogs(const std::vector<kez_tools::Log>& logs, const TunePlan& plan,
 int64_t SplitTime(const kez_tools::Log& log, const TunePlan& plan);
 
 // Evaluation options for one part of `log` on a grid of `every_ms`.
-kez_eval::EvalOptions PartOptions(const kez_tools::Log& log,
+kez_tools::EvalOptions PartOptions(const kez_tools::Log& log,
                                   const TunePlan& plan, Part part,
                                   int64_t every_ms,
                                   const std::vector<int64_t>& horizons_ms);
@@ -76,12 +76,12 @@ std::vector<int64_t> FinalHorizons(const TunePlan& plan);
 // The objective of an evaluation: the mean over `horizons_ms` (those it
 // has pairs for) of the forecaster's mean absolute level error of the free
 // forecast. NaN when there is no pair at all.
-double ObjectiveScore(const kez_eval::LogEvaluation& result,
+double ObjectiveScore(const kez_tools::LogEvaluation& result,
                       const std::vector<int64_t>& horizons_ms);
 
 // "4 h, 8 h, 12 h, 24 h" for people.
 std::string HorizonList(const std::vector<int64_t>& horizons_ms);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_TUNE_PLAN_H_

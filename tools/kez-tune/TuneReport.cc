@@ -7,37 +7,18 @@
 #include "DisplayZone.h"
 #include "FeatureDescription.h"
 #include "TimeText.h"
+#include "TextFormat.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 namespace {
 
-using kez_eval::ErrorStats;
-using kez_tools::FormatDuration;
-
-std::string Fixed(double v, int decimals) {
-  if (std::isnan(v)) return "-";
-  char text[64];
-  std::snprintf(text, sizeof text, "%.*f", decimals, v);
-  return text;
-}
-
-std::string Pad(const std::string& s, size_t width, bool right = false) {
-  if (s.size() >= width) return s;
-  const std::string fill(width - s.size(), ' ');
-  return right ? fill + s : s + fill;
-}
 
 std::string Change(double before, double after) {
   if (std::isnan(before) || std::isnan(after) || before == 0.0) return "-";
   char text[32];
   std::snprintf(text, sizeof text, "%+.1f %%", (after - before) / before * 100);
   return text;
-}
-
-std::string BaseName(const std::string& path) {
-  const size_t slash = path.find_last_of('/');
-  return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
 void WriteHeader(std::ostream& out, const ReportContext& c, const char* what,
@@ -137,10 +118,10 @@ void WriteHeldOut(std::ostream& out, const ReportContext& c,
 }
 
 const ErrorStats* ModelCell(const ModelResult& r, int log, int64_t horizon) {
-  const kez_eval::LogEvaluation& e = log < 0 ? r.pooled : r.logs[log];
-  for (const kez_eval::HorizonResult& h : e.horizons) {
+  const kez_tools::LogEvaluation& e = log < 0 ? r.pooled : r.logs[log];
+  for (const kez_tools::HorizonResult& h : e.horizons) {
     if (h.horizon_ms == horizon) {
-      return &h.level[kez_eval::kFreeForecast][kez_eval::kForecaster];
+      return &h.level[kez_tools::kFreeForecast][kez_tools::kForecaster];
     }
   }
   return nullptr;
@@ -232,4 +213,4 @@ void WriteFeatureReport(std::ostream& out, const ReportContext& c,
       });
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools

@@ -15,7 +15,7 @@
 #include "TunePlan.h"
 #include "WeightTuner.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 struct ReportContext {
   std::string version;     // the library's version text
@@ -30,6 +30,6 @@ void WriteWeightReport(std::ostream& out, const ReportContext& context,
 void WriteFeatureReport(std::ostream& out, const ReportContext& context,
                         const FeatureTuneResult& result);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_TUNE_REPORT_H_

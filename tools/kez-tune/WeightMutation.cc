@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace kez_tune {
+namespace kez_tools {
 
 namespace {
 
@@ -30,7 +30,7 @@ bool CheckSearchOptions(const WeightSearchOptions& o, std::string* error) {
 
 WeightIndividual MakeOffspring(const std::vector<WeightIndividual>& parents,
                                const WeightSearchOptions& options,
-                               TuneRandom& random) {
+                               SeededRandom& random) {
   const size_t n = parents.size();
   const size_t ia = random.Below(n);
   const WeightIndividual& a = parents[ia];
@@ -50,19 +50,19 @@ WeightIndividual MakeOffspring(const std::vector<WeightIndividual>& parents,
     }
     step = std::sqrt(a.step * b.step);
   }
-  step *= std::exp(kStepRate * random.Normal());
+  step *= std::exp(kStepRate * random.StandardNormal());
   if (step < kMinStep) step = kMinStep;
   if (step > kMaxStep) step = kMaxStep;
 
   bool moved = false;
   for (int i = 0; i < kWeightCount; ++i) {
     if (random.Uniform() < options.mutation_share) {
-      log_magnitude[i] += step * random.Normal();
+      log_magnitude[i] += step * random.StandardNormal();
       moved = true;
     }
   }
   if (!moved) {
-    log_magnitude[random.Below(kWeightCount)] += step * random.Normal();
+    log_magnitude[random.Below(kWeightCount)] += step * random.StandardNormal();
   }
 
   WeightIndividual child;
@@ -74,4 +74,4 @@ WeightIndividual MakeOffspring(const std::vector<WeightIndividual>& parents,
   return child;
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools

@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "TuneRandom.h"
+#include "SeededRandom.h"
 #include "WeightVector.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 struct WeightSearchOptions {
   int parents = 4;              // mu
@@ -41,8 +41,8 @@ struct WeightIndividual {
 // how far (plus one weight index when none moved).
 WeightIndividual MakeOffspring(const std::vector<WeightIndividual>& parents,
                                const WeightSearchOptions& options,
-                               TuneRandom& random);
+                               SeededRandom& random);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_WEIGHT_MUTATION_H_

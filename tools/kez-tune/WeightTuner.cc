@@ -6,9 +6,9 @@
 #include <map>
 
 #include "TuneClock.h"
-#include "TuneRandom.h"
+#include "SeededRandom.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 namespace {
 
@@ -53,7 +53,7 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
     return false;
   }
   const auto began = std::chrono::steady_clock::now();
-  TuneRandom random(plan.seed);
+  SeededRandom random(plan.seed);
   WeightTuneResult r;
   for (int i = 0; i < kWeightCount; ++i) {
     r.start[i] = StoredWeight(start.weight[i]);
@@ -155,4 +155,4 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
   return true;
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools

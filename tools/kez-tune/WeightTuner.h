@@ -21,7 +21,7 @@
 // part, the start is kept (the result is never worse than the start on the
 // tuning part). Both are finally judged on the held-out part.
 //
-// All random draws come from TuneRandom seeded with the plan's seed, in the
+// All random draws come from SeededRandom seeded with the plan's seed, in the
 // main thread; evaluations run in parallel but their results are collected
 // in a fixed order, so the same seed gives the same result on any number of
 // threads.
@@ -40,7 +40,7 @@
 #include "WeightVector.h"
 #include "predictor/MobilePowerPredictorParameter.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 // Sent after each generation (generation 0: the start judged alone).
 struct WeightGeneration {
@@ -75,6 +75,6 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
                  const std::function<void(const WeightGeneration&)>& progress,
                  WeightTuneResult* result, std::string* error);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_WEIGHT_TUNER_H_

@@ -14,7 +14,7 @@
 #include "SmallTuneSetup.h"
 #include "WeightTuner.h"
 
-namespace kez_tune {
+namespace kez_tools {
 namespace {
 
 const std::vector<kez_tools::Log>& SmallLogs() {
@@ -89,7 +89,7 @@ TEST(WeightTunerTest, NeverEndsWorseThanTheStartOnTheTuningPart) {
   // Both parts were judged on forecasts, at every report horizon.
   for (const ModelResult* m : {&r.best_tuning, &r.best_heldout}) {
     ASSERT_FALSE(std::isnan(m->score));
-    for (const kez_eval::HorizonResult& h : m->pooled.horizons) {
+    for (const kez_tools::HorizonResult& h : m->pooled.horizons) {
       EXPECT_GT(h.pairs, 0u) << h.horizon_ms;
     }
   }
@@ -167,7 +167,7 @@ TEST(WeightTunerTest, MutationKeepsSignsAndMovesAtLeastOneWeight) {
   }
   WeightSearchOptions search;
   search.mutation_share = 0.01;  // mostly the one weight that must move
-  TuneRandom random(3);
+  SeededRandom random(3);
   for (int n = 0; n < 200; ++n) {
     const WeightIndividual child = MakeOffspring({parent}, search, random);
     int moved = 0;
@@ -185,7 +185,7 @@ TEST(WeightTunerTest, RefusesWhatCannotBeTuned) {
   std::string error;
   WeightTuneResult result;
   TunePlan plan = SmallPlan();
-  plan.warmup_ms = 20 * kez_eval::kDayMs;
+  plan.warmup_ms = 20 * kez_tools::kDayMs;
   EXPECT_FALSE(TuneWeights(SmallLogs(), vorn::MobilePowerPredictorParameter(),
                            plan, SmallSearch(), nullptr, &result, &error));
   EXPECT_NE(std::string::npos, error.find("sim-12d: the log spans")) << error;
@@ -203,4 +203,4 @@ TEST(WeightTunerTest, RefusesWhatCannotBeTuned) {
 }
 
 }  // namespace
-}  // namespace kez_tune
+}  // namespace kez_tools

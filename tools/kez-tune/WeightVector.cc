@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace kez_tune {
+namespace kez_tools {
 
 double StoredWeight(double w) {
   const double sign = std::signbit(w) && w != 0.0 ? -1.0 : 1.0;
@@ -40,4 +40,4 @@ const char* WeightName(int index) {
   return index >= 0 && index < kWeightCount ? kNames[index] : "?";
 }
 
-}  // namespace kez_tune
+}  // namespace kez_tools

@@ -14,7 +14,7 @@
 
 #include "predictor/MobilePowerPredictorParameter.h"
 
-namespace kez_tune {
+namespace kez_tools {
 
 constexpr int kWeightCount = vorn::MobilePowerPredictorParameter::kWeightCount;
 constexpr double kWeightFloor = 1e-5;
@@ -35,6 +35,6 @@ vorn::MobilePowerPredictorParameter WithWeights(
 // ... (index 6 weighs both channel 2 and channel 3).
 const char* WeightName(int index);
 
-}  // namespace kez_tune
+}  // namespace kez_tools
 
 #endif  // KEZ_TOOLS_TUNE_WEIGHT_VECTOR_H_

@@ -21,6 +21,7 @@
 #include "TuneReport.h"
 #include "WeightTuner.h"
 #include "kez/kez.h"
+#include "TextFormat.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ const kez_tools::ToolMessages kMessages("kez-tune");
 int Usage(const std::string& error) { return kMessages.Usage(error); }
 int Fail(const std::string& error) { return kMessages.Fail(error); }
 
-using namespace kez_tune;
+using namespace kez_tools;
 using kez_tools::kHourMs;
 using kez_tools::kMinuteMs;
 using kez_tools::kStepMs;
@@ -92,13 +93,6 @@ const char kUsage[] =
     "Exit status: 0 when done, 1 when a log or file cannot be read or\n"
     "written or no forecast could be judged, 2 for a wrong command line.\n"
     "example: kez-tune --generations 20 --out tuned.txt examples/routine-35d.csv\n";
-
-std::string Fixed(double v, int decimals) {
-  if (std::isnan(v)) return "-";
-  char text[64];
-  std::snprintf(text, sizeof text, "%.*f", decimals, v);
-  return text;
-}
 
 std::string Change(double start, double best) {
   if (std::isnan(start) || std::isnan(best) || start == 0.0) return "";
@@ -246,12 +240,12 @@ int main(int argc, char** argv) {
           std::llround(x * kHourMs);
     } else if (a == "--horizons") {
       if (!args.Value(a, &v, &error) ||
-          !kez_eval::ParseHorizonList(a, v, &plan.objective_horizons_ms, &error)) {
+          !kez_tools::ParseHorizonList(a, v, &plan.objective_horizons_ms, &error)) {
         return Usage(error);
       }
     } else if (a == "--report-horizons") {
       if (!args.Value(a, &v, &error) ||
-          !kez_eval::ParseHorizonList(a, v, &plan.report_horizons_ms, &error)) {
+          !kez_tools::ParseHorizonList(a, v, &plan.report_horizons_ms, &error)) {
         return Usage(error);
       }
     } else if (a == "--status-lines") {

@@ -1,0 +1,153 @@
+// kez-forecast as a person runs it: kez-simulate writes a log, kez-forecast
+// reads it (from a file or standard input, CSV or status lines)
+// and prints a forecast, a chart and machine-readable output; bad input and
+// bad options end with a message and a non-zero exit.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "support/CommandRun.h"
+
+namespace {
+
+using CliRun = kez_testing::CommandRun;
+
+CliRun Shell(const std::string& command) {
+  return kez_testing::RunCommand(command);
+}
+
+const std::string kForecast = KEZ_FORECAST_BIN;
+const std::string kSimulate = KEZ_SIMULATE_BIN;
+
+std::string TempPath(const std::string& name) {
+  return testing::TempDir() + "kez_forecast_cli_" + name;
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+class ForecastCli : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    log_ = TempPath("10d.csv");
+    CliRun r = Shell(kSimulate + " --days 10 --seed 3 -o " + log_);
+    ASSERT_EQ(r.exit_code, 0) << r.out;
+  }
+  static std::string log_;
+};
+std::string ForecastCli::log_;
+
+TEST_F(ForecastCli, WithoutArgumentsItExplainsItself) {
+  for (const std::string& tool : {kForecast}) {
+    CliRun r = Shell(tool);
+    EXPECT_EQ(r.exit_code, 2);
+    EXPECT_TRUE(Contains(r.out, "usage:")) << r.out;
+    EXPECT_EQ(Shell(tool + " --help").exit_code, 0);
+  }
+}
+
+TEST_F(ForecastCli, ForecastPrintsTheReplayTheSourceTheAnswersAndTheTable) {
+  CliRun r = Shell(kForecast + " --when 08:00 --level 30 " + log_);
+  ASSERT_EQ(r.exit_code, 0) << r.out;
+  for (const char* part :
+       {"samples read", "reports added (every 5 min", "Now ", "Forecast  ",
+        "charging expected", "not charged: reaches 30 %",
+        "not charged: reaches 0 %", "plugged in now: full",
+        "level at ", "level  chance", "not charged", "plugged in now"}) {
+    EXPECT_TRUE(Contains(r.out, part)) << part << "\n" << r.out;
+  }
+  // One day in rows of 30 minutes, after the table's two header lines.
+  size_t table = r.out.find("level  chance");
+  ASSERT_NE(table, std::string::npos);
+  std::string rows = r.out.substr(r.out.find('\n', table) + 1);
+  EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), 48) << rows;
+  CliRun csv = Shell(kForecast + " --format csv --variant nocharge --steps 12 " +
+                  log_);
+  ASSERT_EQ(csv.exit_code, 0) << csv.out;
+  EXPECT_EQ(std::count(csv.out.begin(), csv.out.end(), '\n'), 13);
+  EXPECT_EQ(csv.out.substr(0, csv.out.find('\n')),
+            "step,time_ms,time,nocharge_level_percent,nocharge_charging");
+  CliRun json = Shell(kForecast + " --format json --steps 6 " + log_);
+  ASSERT_EQ(json.exit_code, 0) << json.out;
+  EXPECT_TRUE(Contains(json.out, "\"similar_moments\": ")) << json.out;
+  EXPECT_TRUE(Contains(json.out, "\"steps\": [")) << json.out;
+}
+
+TEST_F(ForecastCli, StandardInputStatusLinesAndAsLoggedReplay) {
+  std::string lines = TempPath("3d.status");
+  ASSERT_EQ(Shell(kSimulate + " --days 3 --format status -o " + lines).exit_code,
+            0);
+  CliRun r = Shell("cat " + lines + " | " + kForecast +
+                " --status-lines --variant free -");
+  ASSERT_EQ(r.exit_code, 0) << r.out;
+  EXPECT_TRUE(Contains(r.out, "standard input")) << r.out;
+  // Half a day of history is too short to learn from.
+  CliRun as_logged = Shell(kForecast + " --as-logged --at 2024-03-04T12:00 " + log_);
+  ASSERT_EQ(as_logged.exit_code, 0) << as_logged.out;
+  EXPECT_TRUE(Contains(as_logged.out, "replayed as logged")) << as_logged.out;
+  EXPECT_TRUE(Contains(as_logged.out, "extrapolated")) << as_logged.out;
+}
+
+TEST_F(ForecastCli, ChartIsAnSvgWithAxesAndLegend) {
+  std::string svg = TempPath("chart.svg");
+  std::remove(svg.c_str());
+  CliRun r = Shell(kForecast + " --at 2024-03-09T18:00 --tz-offset 1 --svg " +
+                svg + " " + log_);
+  ASSERT_EQ(r.exit_code, 0) << r.out;
+  std::string text = ReadFile(svg);
+  EXPECT_EQ(text.rfind("<svg ", 0), 0u);
+  for (const char* part : {"100 %", "battery level", "if not charged",
+                           "chance of charging", "now Sat 17:5",
+                           "logged after the forecast point", "</svg>"}) {
+    EXPECT_TRUE(Contains(text, part)) << part;
+  }
+}
+
+TEST_F(ForecastCli, BadInputEndsWithAMessageAndNonZeroExit) {
+  std::string bad = TempPath("bad.csv");
+  std::ofstream(bad) << "time_ms,level_percent,charging\n1000,50,0\n900,49,0\n";
+  std::string header = TempPath("header.csv");
+  std::ofstream(header) << "when,percent\n1,2\n";
+  struct Case {
+    std::string args;
+    int exit_code;
+    std::string message;
+  } cases[] = {
+      {"/nonexistent.csv", 1, "/nonexistent.csv: cannot open"},
+      {bad, 1, "bad.csv:3: time goes backwards"},
+      {header, 1, "header.csv:1: the header has no column 'time_ms'"},
+      {"--status-lines " + log_, 1, "status line has at least 30"},
+      {"--at 2020-01-01T00:00 " + log_, 1, "is before the log's first sample"},
+      {"--at yesterday " + log_, 2, "--at: 'yesterday' is not a time"},
+      {"--steps 0 " + log_, 2, "--steps takes a whole number from 1"},
+      {"--variant maybe " + log_, 2, "--variant is free, nocharge, charge"},
+      {"--frobnicate " + log_, 2, "unknown option '--frobnicate'"},
+      {"--when 25:00 " + log_, 2, "--when: '25:00' is neither"},
+      {log_ + " " + log_, 2, "one log at a time"},
+  };
+  for (const Case& c : cases) {
+    CliRun r = Shell(kForecast + " " + c.args);
+    EXPECT_EQ(r.exit_code, c.exit_code) << c.args << "\n" << r.out;
+    EXPECT_TRUE(Contains(r.out, c.message)) << c.args << "\n" << r.out;
+  }
+  CliRun empty = Shell("printf '' | " + kForecast + " -");
+  EXPECT_EQ(empty.exit_code, 1);
+  EXPECT_TRUE(Contains(empty.out, "-: the log is empty")) << empty.out;
+  EXPECT_EQ(Shell(kSimulate + " --days x").exit_code, 2);
+  EXPECT_EQ(Shell(kSimulate + " --profile nobody").exit_code, 2);
+  EXPECT_EQ(Shell(kSimulate + " -o /nonexistent/dir/x.csv").exit_code, 1);
+}
+
+}  // namespace
