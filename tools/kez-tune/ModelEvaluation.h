@@ -3,8 +3,8 @@
 // with an instance of its own (kez_tools::EvaluateLog); results are pooled
 // per model over the logs (kez_tools::Combine) and scored with the plan's
 // objective. The results do not depend on the number of threads.
-#ifndef KEZ_TOOLS_TUNE_MODEL_EVALUATION_H_
-#define KEZ_TOOLS_TUNE_MODEL_EVALUATION_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_MODELEVALUATION_H_
+#define KEZ_TOOLS_KEZ_TUNE_MODELEVALUATION_H_
 
 #include <cstdint>
 #include <string>
@@ -38,4 +38,4 @@ bool EvaluateModels(const std::vector<kez_tools::Log>& logs,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_MODEL_EVALUATION_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_MODELEVALUATION_H_

@@ -25,8 +25,8 @@
 // main thread; evaluations run in parallel but their results are collected
 // in a fixed order, so the same seed gives the same result on any number of
 // threads.
-#ifndef KEZ_TOOLS_TUNE_WEIGHT_TUNER_H_
-#define KEZ_TOOLS_TUNE_WEIGHT_TUNER_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_WEIGHTTUNER_H_
+#define KEZ_TOOLS_KEZ_TUNE_WEIGHTTUNER_H_
 
 #include <cstddef>
 #include <functional>
@@ -77,4 +77,4 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_WEIGHT_TUNER_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_WEIGHTTUNER_H_
