@@ -42,6 +42,7 @@ arm64() {
 
 stage "native build and tests" native
 stage "arm64 build and tests" arm64
+stage "install and packages" scripts/test-install.sh
 stage "sanitizers and coverage" scripts/test-sanitize.sh
 stage "fuzzing" scripts/test-fuzz.sh
 stage "ThreadSanitizer" scripts/test-tsan.sh
