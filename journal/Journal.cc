@@ -116,7 +116,8 @@ void Journal::Reset() {
   prefix_ = nullptr;
   prefixSize_ = 0;
   folderSynced_ = true;
-  records_ = minTimeMs_ = lastTimeMs_ = lastSyncTimeMs_ = 0;
+  records_ = minTimeMs_ = lastTimeMs_ = syncBaseMs_ = 0;
+  syncBaseSet_ = false;
   unsynced_ = lost_ = replayed_ = damaged_ = torn_ = compactions_ = 0;
   compactAbove_ = 0;
   compactWait_ = 0;
@@ -197,7 +198,8 @@ int Journal::Open(const char* path, const JournalOptions& options,
   torn_ = scan.tornBytes > 0 ? 1 : 0;
   minTimeMs_ = scan.minTimeMs;
   lastTimeMs_ = scan.lastTimeMs;
-  lastSyncTimeMs_ = scan.lastTimeMs;
+  syncBaseMs_ = scan.lastTimeMs;
+  syncBaseSet_ = scan.records > 0;
   compactAbove_ = options_.compactAboveBytes;
   if (scan.fresh) {
     goodEnd_ = 0;
@@ -290,6 +292,10 @@ void Journal::Written(const JournalRecord& record) {
   lastTimeMs_ = record.timeMs;
   ++records_;
   ++unsynced_;
+  if (!syncBaseSet_) {
+    syncBaseMs_ = record.timeMs;
+    syncBaseSet_ = true;
+  }
 }
 
 int Journal::Append(const JournalRecord& record) {
@@ -309,8 +315,7 @@ int Journal::Append(const JournalRecord& record) {
   }
   if (status != KEZ_JOURNAL_OK) return status;
   if (unsynced_ >= static_cast<uint64_t>(options_.syncEveryReports) ||
-      (lastTimeMs_ > lastSyncTimeMs_ &&
-       lastTimeMs_ - lastSyncTimeMs_ >= options_.syncEveryMs)) {
+      (lastTimeMs_ > syncBaseMs_ && lastTimeMs_ - syncBaseMs_ >= options_.syncEveryMs)) {
     status = Sync();
   }
   if (compactWait_ > 0) --compactWait_;
@@ -332,7 +337,8 @@ int Journal::Sync() {
   if (status != KEZ_JOURNAL_OK) return status;
   if (system_->Fdatasync(fd_) != 0) return WriteStatus(errno);
   unsynced_ = 0;
-  lastSyncTimeMs_ = lastTimeMs_;
+  syncBaseMs_ = lastTimeMs_;
+  syncBaseSet_ = records_ > 0;
   if (!folderSynced_) {
     if (SyncFolder() != KEZ_JOURNAL_OK) return KEZ_JOURNAL_WRITE_FAILED;
     folderSynced_ = true;
@@ -419,7 +425,7 @@ bool Journal::Compact() {
   records_ = copy.kept;
   minTimeMs_ = copy.minTimeMs;
   unsynced_ = 0;
-  lastSyncTimeMs_ = lastTimeMs_;
+  syncBaseMs_ = lastTimeMs_;
   ++compactions_;
   return true;
 }

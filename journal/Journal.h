@@ -15,11 +15,11 @@
 //    process loses nothing: the line is in the operating system's hands.
 //  - Sync puts everything written on the disk (fdatasync; the folder too
 //    after the file was created). It runs by itself every
-//    `syncEveryReports` reports, when the report time has advanced
-//    `syncEveryMs` since the last sync, after a rewrite and on Close; a host
-//    calls it when it wants (when the app goes to the background). A power
-//    cut loses at most the reports written since the last sync
-//    (unsyncedReports()).
+//    `syncEveryReports` reports, with the first report whose time is
+//    `syncEveryMs` or more after the last report synced, after a rewrite
+//    and on Close; a host calls it when it wants (when the app goes to the
+//    background). A power cut loses at most the reports written since the
+//    last sync (unsyncedReports()).
 //  - When a write fails (a full disk, an I/O error), Append keeps the report
 //    in memory (up to `pendingCapacity` reports, the oldest dropped beyond
 //    that and counted in lostReports()), returns the failure, and every
@@ -135,7 +135,8 @@ class Journal {
   uint64_t records_ = 0;  // reports in the file
   uint64_t minTimeMs_ = 0;
   uint64_t lastTimeMs_ = 0;
-  uint64_t lastSyncTimeMs_ = 0;
+  uint64_t syncBaseMs_ = 0;  // time of the last report the last sync covered
+  bool syncBaseSet_ = false;
   uint64_t unsynced_ = 0;
   uint64_t lost_ = 0;
   uint64_t replayed_ = 0;
