@@ -93,6 +93,17 @@ inline Replayed OpenAndReplay(kez::Journal* journal, const std::string& path,
   return out;
 }
 
+// Syncs that only count: for tests of content, not of durability, that
+// would otherwise wait for the disk thousands of times.
+class NoSyncSystem : public kez::JournalSystem {
+ public:
+  int syncs = 0;
+  int Fdatasync(int) override {
+    ++syncs;
+    return 0;
+  }
+};
+
 inline Replayed ReplayOnce(const std::string& path,
                            const kez::JournalOptions& options = {}) {
   kez::Journal journal;

@@ -1,0 +1,192 @@
+// The journal stays bounded, and rewriting it is atomic: a year of reports
+// leaves about the last month, and a process that stops between any two
+// steps of a rewrite (or whose rewrite fails for want of space) leaves a
+// whole journal, the old one or the new one.
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "gtest/gtest.h"
+#include "journal/Journal.h"
+#include "journal/journal_test_util.h"
+
+namespace kez {
+namespace {
+
+using journal_test::NoSyncSystem;
+using journal_test::OpenAndReplay;
+using journal_test::ReadText;
+using journal_test::Replayed;
+using journal_test::ReplayOnce;
+using journal_test::Report;
+using journal_test::SameBits;
+using journal_test::TempFolder;
+
+constexpr uint64_t kDayReports = 288;  // five-minute reports
+
+void ExpectRun(const std::vector<JournalRecord>& got, uint64_t first, uint64_t count) {
+  ASSERT_EQ(got.size(), count);
+  for (uint64_t k = 0; k < count; ++k) {
+    ASSERT_TRUE(SameBits(got[k], Report(first + k))) << "record " << k;
+  }
+}
+
+bool Exists(const std::string& path) {
+  struct stat s;
+  return stat(path.c_str(), &s) == 0;
+}
+
+TEST(JournalCompaction, AYearOfReportsKeepsAboutAMonth) {
+  TempFolder folder;
+  const std::string path = folder.Path("history.csv");
+  NoSyncSystem system;
+  JournalOptions options;  // 31 days kept, rewritten after 34
+  options.system = &system;
+  const uint64_t total = 365 * kDayReports;
+  uint64_t largest = 0;
+  {
+    Journal journal;
+    ASSERT_EQ(OpenAndReplay(&journal, path, options).status, KEZ_JOURNAL_OK);
+    for (uint64_t i = 0; i < total; ++i) {
+      ASSERT_EQ(journal.Append(Report(i)), KEZ_JOURNAL_OK);
+      if (journal.fileBytes() > largest) largest = journal.fileBytes();
+    }
+    // One rewrite every three days once the month is full.
+    EXPECT_GE(journal.compactions(), 100u);
+    EXPECT_LE(journal.compactions(), 112u);
+  }
+  Replayed got = ReplayOnce(path, options);
+  ASSERT_EQ(got.status, KEZ_JOURNAL_OK);
+  // Everything after the last report older than 31 days, at most 34 days.
+  ASSERT_FALSE(got.records.empty());
+  const uint64_t first = (got.records.front().timeMs - Report(0).timeMs) / 300000;
+  ExpectRun(got.records, first, total - first);
+  EXPECT_GE(got.records.size(), 31 * kDayReports);
+  EXPECT_LE(got.records.size(), 34 * kDayReports + 1);
+  // These made-up reports take about 110 bytes a line (real ones about 50).
+  EXPECT_LT(largest, 34 * kDayReports * 120 + 200);
+  EXPECT_FALSE(Exists(path + ".tmp"));
+}
+
+// Writes 40 days of reports with rewrites off and returns the file's text.
+std::string FortyDays(const std::string& path) {
+  NoSyncSystem system;
+  JournalOptions options;
+  options.keepDays = 0;
+  options.system = &system;
+  Journal journal;
+  EXPECT_EQ(OpenAndReplay(&journal, path, options).status, KEZ_JOURNAL_OK);
+  for (uint64_t i = 0; i < 40 * kDayReports; ++i) journal.Append(Report(i));
+  journal.Close();
+  return ReadText(path);
+}
+
+// Stops the process when the rewrite reaches `stop`.
+class StoppingSystem : public JournalSystem {
+ public:
+  explicit StoppingSystem(CompactionStep stop) : stop_(stop) {}
+  void Reached(CompactionStep step) override {
+    if (step == stop_) _exit(0);
+  }
+
+ private:
+  CompactionStep stop_;
+};
+
+TEST(JournalCompaction, StoppedBetweenStepsLeavesAWholeJournal) {
+  TempFolder folder;
+  const std::string path = folder.Path("history.csv");
+  const std::string forty = FortyDays(path);
+  const uint64_t total = 40 * kDayReports;
+  // The new journal: reports after the last one older than 31 days before
+  // the last report.
+  const uint64_t keptFirst = total - 1 - 31 * kDayReports;
+  const CompactionStep steps[] = {
+      CompactionStep::kTempCreated, CompactionStep::kTempWritten,
+      CompactionStep::kTempSynced, CompactionStep::kRenamed,
+      CompactionStep::kFolderSynced};
+  for (CompactionStep step : steps) {
+    journal_test::WriteText(path, forty);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      StoppingSystem system(step);
+      JournalOptions options;
+      options.system = &system;
+      Journal journal;
+      journal.Open(path.c_str(), options, [](void*, const JournalRecord&) {}, nullptr);
+      _exit(1);  // the rewrite did not reach the step
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+
+    JournalOptions readOnly;
+    readOnly.keepDays = 0;
+    Journal journal;
+    Replayed got = OpenAndReplay(&journal, path, readOnly);
+    ASSERT_EQ(got.status, KEZ_JOURNAL_OK);
+    EXPECT_EQ(journal.damagedLines(), 0u);
+    EXPECT_EQ(journal.tornLines(), 0u);
+    if (step == CompactionStep::kRenamed || step == CompactionStep::kFolderSynced) {
+      ExpectRun(got.records, keptFirst, total - keptFirst);
+    } else {
+      ExpectRun(got.records, 0, total);
+      EXPECT_EQ(ReadText(path), forty);
+    }
+    EXPECT_FALSE(Exists(path + ".tmp"));  // a leftover is removed on opening
+  }
+}
+
+// No space for the new file: the old journal stays, reports go on, and the
+// rewrite is tried again later.
+class FullForNewFiles : public NoSyncSystem {
+ public:
+  bool full = true;
+  int journalFd = -1;
+  ssize_t Pwrite(int fd, const void* data, std::size_t size, off_t offset) override {
+    if (full && fd != journalFd) {
+      errno = ENOSPC;
+      return -1;
+    }
+    return JournalSystem::Pwrite(fd, data, size, offset);
+  }
+};
+
+TEST(JournalCompaction, NoSpaceForTheRewriteKeepsTheOldJournal) {
+  TempFolder folder;
+  const std::string path = folder.Path("history.csv");
+  const std::string forty = FortyDays(path);
+  const uint64_t total = 40 * kDayReports;
+  FullForNewFiles system;
+  JournalOptions options;
+  options.system = &system;
+  options.compactRetryReports = 10;
+  Journal journal;
+  // The journal's own descriptor is the lowest free one at the open.
+  system.journalFd = dup(0);
+  close(system.journalFd);
+  Replayed got = OpenAndReplay(&journal, path, options);
+  ASSERT_EQ(got.status, KEZ_JOURNAL_OK);
+  ExpectRun(got.records, 0, total);
+  EXPECT_EQ(journal.compactions(), 0u);
+  EXPECT_FALSE(Exists(path + ".tmp"));
+  for (uint64_t i = total; i < total + 9; ++i) ASSERT_EQ(journal.Append(Report(i)), KEZ_JOURNAL_OK);
+  EXPECT_EQ(journal.compactions(), 0u);
+  system.full = false;
+  ASSERT_EQ(journal.Append(Report(total + 9)), KEZ_JOURNAL_OK);
+  EXPECT_EQ(journal.compactions(), 1u);
+  journal.Close();
+  Replayed after = ReplayOnce(path);
+  const uint64_t end = total + 10;
+  const uint64_t keptFirst = end - 1 - 31 * kDayReports;
+  ExpectRun(after.records, keptFirst, end - keptFirst);
+}
+
+}  // namespace
+}  // namespace kez
