@@ -16,6 +16,7 @@ namespace kez {
 namespace {
 
 constexpr std::size_t kScanBuffer = 64 * 1024;
+static_assert(kScanBuffer > kJournalSnapshotLineMax, "a snapshot line fits the buffer");
 constexpr double kMsPerDay = 86400000.0;
 
 int WriteStatus(int error) {
@@ -30,14 +31,14 @@ uint64_t DaysToMs(double days) {
   return static_cast<uint64_t>(days * kMsPerDay);
 }
 
-struct ReplayContext {
-  JournalReplayFn replay;
-  void* context;
-};
+void ReplayRecord(void* c, const JournalRecord& record, const char*, std::size_t) {
+  const JournalHost* host = static_cast<const JournalHost*>(c);
+  if (host->report != nullptr) host->report(host->context, record);
+}
 
-void ReplayVisit(void* c, const JournalRecord& record, const char*, std::size_t) {
-  const ReplayContext* rc = static_cast<const ReplayContext*>(c);
-  if (rc->replay != nullptr) rc->replay(rc->context, record);
+void ReplaySnapshot(void* c, const unsigned char* data, std::size_t size) {
+  const JournalHost* host = static_cast<const JournalHost*>(c);
+  if (host->restore != nullptr) host->restore(host->context, data, size);
 }
 
 // Pass one of a rewrite: the index of the last report older than the cutoff.
@@ -118,7 +119,7 @@ void Journal::Reset() {
   folderSynced_ = true;
   records_ = minTimeMs_ = lastTimeMs_ = syncBaseMs_ = 0;
   syncBaseSet_ = false;
-  unsynced_ = lost_ = replayed_ = damaged_ = torn_ = compactions_ = 0;
+  unsynced_ = lost_ = replayed_ = snapshots_ = damaged_ = torn_ = compactions_ = 0;
   compactAbove_ = 0;
   compactWait_ = 0;
 }
@@ -134,8 +135,17 @@ void Journal::Release() {
 
 int Journal::Open(const char* path, const JournalOptions& options,
                   JournalReplayFn replay, void* context) {
+  JournalHost host;
+  host.report = replay;
+  host.context = context;
+  return Open(path, options, host);
+}
+
+int Journal::Open(const char* path, const JournalOptions& options,
+                  const JournalHost& host) {
   Close();
   Reset();
+  host_ = host;
   if (path == nullptr || path[0] == '\0') return KEZ_JOURNAL_CANNOT_OPEN;
   options_ = options;
   system_ = options.system != nullptr ? options.system : PosixJournalSystem();
@@ -185,14 +195,18 @@ int Journal::Open(const char* path, const JournalOptions& options,
     Release();
     return KEZ_JOURNAL_NO_MEMORY;
   }
-  ReplayContext rc{replay, context};
-  const JournalScanResult scan = ScanJournal(fd_, buffer, kScanBuffer, ReplayVisit, &rc);
+  JournalVisitor visitor;
+  visitor.record = ReplayRecord;
+  visitor.snapshot = ReplaySnapshot;
+  visitor.context = &host_;
+  const JournalScanResult scan = ScanJournal(fd_, buffer, kScanBuffer, visitor);
   delete[] buffer;
   if (scan.status != KEZ_JOURNAL_OK) {
     Release();
     return scan.status;
   }
   replayed_ = scan.records;
+  snapshots_ = scan.snapshots;
   records_ = scan.records;
   damaged_ = scan.damagedLines;
   torn_ = scan.tornBytes > 0 ? 1 : 0;
@@ -378,7 +392,10 @@ bool Journal::Compact() {
   if (buffer == nullptr) return false;
 
   OldestContext oldest{lastTimeMs_ > keepMs ? lastTimeMs_ - keepMs : 0};
-  JournalScanResult scan = ScanJournal(fd_, buffer, kScanBuffer, OldestVisit, &oldest);
+  JournalVisitor visitor;
+  visitor.record = OldestVisit;
+  visitor.context = &oldest;
+  JournalScanResult scan = ScanJournal(fd_, buffer, kScanBuffer, visitor);
   if (scan.status != KEZ_JOURNAL_OK) {
     delete[] buffer;
     return false;
@@ -396,7 +413,25 @@ bool Journal::Compact() {
   CopyContext copy{system_, temp, oldest.lastOld, buffer + kScanBuffer, kScanBuffer};
   if (ok) {
     copy.Put(kJournalPrologue, kJournalPrologueLength);
-    scan = ScanJournal(fd_, buffer, kScanBuffer, CopyVisit, &copy);
+    visitor.record = CopyVisit;
+    visitor.context = &copy;
+    scan = ScanJournal(fd_, buffer, kScanBuffer, visitor);
+    // The host's state after the last report, where a replay will meet it;
+    // the scan buffer is free again and holds the snapshot line.
+    if (host_.snapshot != nullptr) {
+      unsigned char* data = new (std::nothrow) unsigned char[kJournalSnapshotMax];
+      if (data == nullptr) {
+        copy.failed = true;
+      } else {
+        const std::size_t size = host_.snapshot(host_.context, data, kJournalSnapshotMax);
+        if (size > kJournalSnapshotMax) {
+          copy.failed = true;
+        } else if (size > 0) {
+          copy.Put(buffer, FormatSnapshotLine(data, size, buffer));
+        }
+        delete[] data;
+      }
+    }
     copy.Drain();
     ok = scan.status == KEZ_JOURNAL_OK && !copy.failed;
   }

@@ -33,7 +33,10 @@
 // last one older than keepDays: written under a temporary name in the same
 // folder (path + ".tmp"), synced, renamed over the journal, the folder
 // synced. A crash at any moment leaves the old or the new journal, whole.
-// Damaged lines are dropped by the rewrite. A failed rewrite (no space)
+// Damaged lines are dropped by the rewrite, and the host's snapshot is
+// written after the reports kept (see JournalHost), so that a replay of the
+// shorter journal ends in the same state as the forecaster that took every
+// report. A failed rewrite (no space)
 // leaves the journal as it was and is tried again `compactRetryReports`
 // reports later.
 //
@@ -45,6 +48,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <type_traits>
 
 #include "journal/JournalRecord.h"
 #include "journal/JournalSystem.h"
@@ -63,6 +67,22 @@ struct JournalOptions {
   JournalSystem* system = nullptr;    // null: the operating system's
 };
 
+// The forecaster the journal belongs to, as the journal sees it.
+struct JournalHost {
+  // Takes one replayed report, as the forecaster's report call does.
+  void (*report)(void* context, const JournalRecord& record) = nullptr;
+  // Saves into `out` (`capacity` bytes, kJournalSnapshotMax) what the
+  // forecaster learned that it cannot learn again from the reports of the
+  // last keepDays (sums that forget slowly, say): called by a rewrite after
+  // the forecaster took the journal's last report. Returns the size, 0 for
+  // nothing to save. May be null.
+  std::size_t (*snapshot)(void* context, unsigned char* out, std::size_t capacity) = nullptr;
+  // Puts back, during a replay, what `snapshot` saved at that point of the
+  // reports. May be null.
+  void (*restore)(void* context, const unsigned char* data, std::size_t size) = nullptr;
+  void* context = nullptr;
+};
+
 using JournalReplayFn = void (*)(void* context, const JournalRecord& record);
 
 class Journal {
@@ -72,11 +92,14 @@ class Journal {
   Journal& operator=(const Journal&) = delete;
   ~Journal();  // closes
 
+  int Open(const char* path, const JournalOptions& options, const JournalHost& host);
+
+  // Open for a host that only takes reports.
   int Open(const char* path, const JournalOptions& options,
            JournalReplayFn replay, void* context);
 
   // Open with any callable taking a const JournalRecord&.
-  template <class F>
+  template <class F, class = std::enable_if_t<!std::is_same<F, JournalHost>::value>>
   int Open(const char* path, const JournalOptions& options, F& replay) {
     return Open(path, options,
                 [](void* c, const JournalRecord& r) { (*static_cast<F*>(c))(r); },
@@ -100,6 +123,7 @@ class Journal {
   uint64_t unsyncedReports() const { return unsynced_; }
   uint64_t lostReports() const { return lost_; }
   uint64_t replayedReports() const { return replayed_; }
+  uint64_t replayedSnapshots() const { return snapshots_; }
   uint64_t damagedLines() const { return damaged_; }
   uint64_t tornLines() const { return torn_; }
   uint64_t compactions() const { return compactions_; }
@@ -117,6 +141,7 @@ class Journal {
   void Reset();
 
   JournalOptions options_;
+  JournalHost host_;
   JournalSystem* system_ = nullptr;
   std::string path_;
   std::string tempPath_;
@@ -142,6 +167,7 @@ class Journal {
   uint64_t replayed_ = 0;
   uint64_t damaged_ = 0;
   uint64_t torn_ = 0;
+  uint64_t snapshots_ = 0;
   uint64_t compactions_ = 0;
   uint64_t compactAbove_ = 0;
   int compactWait_ = 0;  // reports to wait before the next rewrite attempt

@@ -35,6 +35,8 @@ namespace {
 
 constexpr int kFields = 10;
 constexpr char kMarkerPrefix[] = "# kez journal ";
+constexpr char kSnapshotPrefix[] = "# snapshot ";
+constexpr std::size_t kSnapshotPrefixLength = sizeof kSnapshotPrefix - 1;
 
 char* PutFloat(char* p, char* end, float v) {
 #if KEZ_JOURNAL_CHARCONV
@@ -103,6 +105,28 @@ bool GetTime(const char* b, const char* e, uint64_t* v) {
 
 constexpr char kHex[] = "0123456789abcdef";
 
+int HexValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  return -1;
+}
+
+char* PutCheck(char* p, uint32_t check) {
+  for (int shift = 28; shift >= 0; shift -= 4) *p++ = kHex[(check >> shift) & 0xFu];
+  return p;
+}
+
+// Reads eight lowercase hex digits.
+bool GetCheck(const char* p, uint32_t* check) {
+  *check = 0;
+  for (int i = 0; i < 8; ++i) {
+    const int v = HexValue(p[i]);
+    if (v < 0) return false;
+    *check = (*check << 4) | static_cast<uint32_t>(v);
+  }
+  return true;
+}
+
 }  // namespace
 
 std::size_t FormatJournalLine(const JournalRecord& r, char* out) {
@@ -121,7 +145,7 @@ std::size_t FormatJournalLine(const JournalRecord& r, char* out) {
   }
   const uint32_t check = Crc32(out, static_cast<std::size_t>(p - out));
   *p++ = ',';
-  for (int shift = 28; shift >= 0; shift -= 4) *p++ = kHex[(check >> shift) & 0xFu];
+  p = PutCheck(p, check);
   *p++ = '\n';
   return static_cast<std::size_t>(p - out);
 }
@@ -145,13 +169,8 @@ bool ParseJournalLine(const char* line, std::size_t length, JournalRecord* r) {
   if (n != kFields) return false;
 
   // The check first: eight lowercase hex digits over the text before it.
-  if (stop[9] - start[9] != 8) return false;
   uint32_t check = 0;
-  for (const char* p = start[9]; p < stop[9]; ++p) {
-    const char* digit = std::strchr(kHex, *p);
-    if (*p == '\0' || digit == nullptr) return false;
-    check = (check << 4) | static_cast<uint32_t>(digit - kHex);
-  }
+  if (stop[9] - start[9] != 8 || !GetCheck(start[9], &check)) return false;
   if (Crc32(line, static_cast<std::size_t>(stop[8] - line)) != check) return false;
 
   float* const floats[5] = {&r->levelPercent, &r->charging, &r->aux1, &r->aux2,
@@ -164,6 +183,46 @@ bool ParseJournalLine(const char* line, std::size_t length, JournalRecord* r) {
   for (int i = 0; i < 3; ++i) {
     if (!GetDouble(start[6 + i], stop[6 + i], doubles[i])) return false;
   }
+  return true;
+}
+
+std::size_t FormatSnapshotLine(const unsigned char* data, std::size_t size, char* out) {
+  char* p = out;
+  std::memcpy(p, kSnapshotPrefix, kSnapshotPrefixLength);
+  p += kSnapshotPrefixLength;
+  for (std::size_t i = 0; i < size; ++i) {
+    *p++ = kHex[data[i] >> 4];
+    *p++ = kHex[data[i] & 0xFu];
+  }
+  const uint32_t check = Crc32(out, static_cast<std::size_t>(p - out));
+  *p++ = ',';
+  p = PutCheck(p, check);
+  *p++ = '\n';
+  return static_cast<std::size_t>(p - out);
+}
+
+bool IsSnapshotLine(const char* line, std::size_t length) {
+  return length >= kSnapshotPrefixLength &&
+         std::memcmp(line, kSnapshotPrefix, kSnapshotPrefixLength) == 0;
+}
+
+bool ParseSnapshotLine(char* line, std::size_t length, std::size_t* size) {
+  if (!IsSnapshotLine(line, length) || length < kSnapshotPrefixLength + 9) return false;
+  const std::size_t hexEnd = length - 9;
+  const std::size_t digits = hexEnd - kSnapshotPrefixLength;
+  if (line[hexEnd] != ',' || digits % 2 != 0 || digits / 2 > kJournalSnapshotMax) {
+    return false;
+  }
+  uint32_t check = 0;
+  if (!GetCheck(line + hexEnd + 1, &check) || Crc32(line, hexEnd) != check) return false;
+  unsigned char* out = reinterpret_cast<unsigned char*>(line);
+  for (std::size_t i = 0; i < digits / 2; ++i) {
+    const int high = HexValue(line[kSnapshotPrefixLength + 2 * i]);
+    const int low = HexValue(line[kSnapshotPrefixLength + 2 * i + 1]);
+    if (high < 0 || low < 0) return false;
+    out[i] = static_cast<unsigned char>(high * 16 + low);
+  }
+  *size = digits / 2;
   return true;
 }
 

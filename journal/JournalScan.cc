@@ -13,12 +13,12 @@ namespace {
 
 class Scanner {
  public:
-  Scanner(JournalVisitor visit, void* context) : visit_(visit), context_(context) {}
+  explicit Scanner(const JournalVisitor& visit) : visit_(visit) {}
 
   // One whole line (without its '\n') that ends at file offset `end`
   // ('\n' included); `overlong` when its text did not fit the buffer.
   // Returns false when the scan must stop.
-  bool Line(const char* text, std::size_t length, uint64_t end, bool overlong) {
+  bool Line(char* text, std::size_t length, uint64_t end, bool overlong) {
     const uint64_t index = lines_++;
     result.goodEnd = end;
     if (index == 0) {
@@ -37,6 +37,18 @@ class Scanner {
       }
       return true;
     }
+    if (!overlong && IsSnapshotLine(text, length)) {
+      std::size_t size = 0;
+      if (!ParseSnapshotLine(text, length, &size)) {
+        ++result.damagedLines;
+        return true;
+      }
+      ++result.snapshots;
+      if (visit_.snapshot != nullptr) {
+        visit_.snapshot(visit_.context, reinterpret_cast<const unsigned char*>(text), size);
+      }
+      return true;
+    }
     if (!overlong && length > 0 && text[0] == '#') return true;
     JournalRecord record;
     if (overlong || !ParseJournalLine(text, length, &record)) {
@@ -48,7 +60,7 @@ class Scanner {
     }
     result.lastTimeMs = record.timeMs;
     ++result.records;
-    if (visit_ != nullptr) visit_(context_, record, text, length + 1);
+    if (visit_.record != nullptr) visit_.record(visit_.context, record, text, length + 1);
     return true;
   }
 
@@ -72,16 +84,15 @@ class Scanner {
   JournalScanResult result;
 
  private:
-  JournalVisitor visit_;
-  void* context_;
+  const JournalVisitor& visit_;
   uint64_t lines_ = 0;
 };
 
 }  // namespace
 
 JournalScanResult ScanJournal(int fd, char* buffer, std::size_t bufferSize,
-                              JournalVisitor visit, void* context) {
-  Scanner scanner(visit, context);
+                              const JournalVisitor& visit) {
+  Scanner scanner(visit);
   uint64_t base = 0;     // file offset of buffer[0]
   std::size_t have = 0;  // bytes in the buffer
   bool overlong = false;         // the current line began before base

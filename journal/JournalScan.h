@@ -8,8 +8,10 @@
 //    two lines, is a journal that was being created: `fresh`;
 //  - bytes after the last '\n' are a torn line (a write cut short): they are
 //    not visited, and `goodEnd` is where they start;
-//  - any whole line that is neither a report with a matching check, the
-//    header in second place, nor a '#' comment is damaged: skipped, counted.
+//  - a snapshot line (JournalLine.h) is handed to the visitor too;
+//  - any whole line that is neither a report nor a snapshot with a
+//    matching check, the header in second place, nor another '#' comment is
+//    damaged: skipped, counted.
 // Reads in chunks through the caller's buffer; allocates nothing.
 #ifndef KEZ_JOURNAL_JOURNALSCAN_H_
 #define KEZ_JOURNAL_JOURNALSCAN_H_
@@ -28,20 +30,27 @@ struct JournalScanResult {
   bool headerSeen = false;   // the second line is there (whole or damaged)
   uint64_t goodEnd = 0;      // file offset after the last whole line
   uint64_t records = 0;      // reports visited
+  uint64_t snapshots = 0;    // snapshots visited
   uint64_t damagedLines = 0;
   uint64_t tornBytes = 0;    // bytes after the last '\n' (0: not torn)
   uint64_t minTimeMs = 0;    // smallest and last report time (records > 0)
   uint64_t lastTimeMs = 0;
 };
 
-// Called for each report with its line's text ('\n' included).
-using JournalVisitor = void (*)(void* context, const JournalRecord& record,
-                                const char* line, std::size_t length);
+// What a scan hands on; either function may be null.
+struct JournalVisitor {
+  // Each report with its line's text ('\n' included).
+  void (*record)(void* context, const JournalRecord& record, const char* line,
+                 std::size_t length) = nullptr;
+  // Each snapshot's bytes.
+  void (*snapshot)(void* context, const unsigned char* data, std::size_t size) = nullptr;
+  void* context = nullptr;
+};
 
 // Scans the file open as `fd` from offset 0 with `buffer` (`bufferSize`
-// bytes, at least 1024). `visit` may be null.
+// bytes, more than kJournalSnapshotLineMax).
 JournalScanResult ScanJournal(int fd, char* buffer, std::size_t bufferSize,
-                              JournalVisitor visit, void* context);
+                              const JournalVisitor& visit);
 
 }  // namespace kez
 

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -141,6 +142,70 @@ TEST(JournalCompaction, StoppedBetweenStepsLeavesAWholeJournal) {
     }
     EXPECT_FALSE(Exists(path + ".tmp"));  // a leftover is removed on opening
   }
+}
+
+// A host that saves a counter in its snapshot and logs what a replay does.
+struct CountingHost {
+  uint64_t taken = 0;     // reports taken (replayed or reported)
+  std::vector<std::string> events;
+
+  static void Take(void* c, const JournalRecord&) {
+    CountingHost* h = static_cast<CountingHost*>(c);
+    ++h->taken;
+    h->events.push_back("report");
+  }
+  static std::size_t Save(void* c, unsigned char* out, std::size_t capacity) {
+    const CountingHost* h = static_cast<const CountingHost*>(c);
+    if (capacity < sizeof h->taken) return 0;
+    std::memcpy(out, &h->taken, sizeof h->taken);
+    return sizeof h->taken;
+  }
+  static void Restore(void* c, const unsigned char* data, std::size_t size) {
+    CountingHost* h = static_cast<CountingHost*>(c);
+    if (size == sizeof h->taken) std::memcpy(&h->taken, data, size);
+    h->events.push_back("restore");
+  }
+  JournalHost Host() {
+    JournalHost host;
+    host.report = Take;
+    host.snapshot = Save;
+    host.restore = Restore;
+    host.context = this;
+    return host;
+  }
+};
+
+TEST(JournalCompaction, SnapshotComesBackWhereItWasTaken) {
+  TempFolder folder;
+  const std::string path = folder.Path("history.csv");
+  NoSyncSystem system;
+  JournalOptions options;
+  options.system = &system;
+  const uint64_t total = 40 * kDayReports;
+  uint64_t after = 0;  // reports appended after the last rewrite
+  {
+    CountingHost host;
+    Journal journal;
+    ASSERT_EQ(journal.Open(path.c_str(), options, host.Host()), KEZ_JOURNAL_OK);
+    for (uint64_t i = 0; i < total; ++i) {
+      ++host.taken;  // the forecaster takes the report, then the journal
+      const uint64_t rewrites = journal.compactions();
+      ASSERT_EQ(journal.Append(Report(i)), KEZ_JOURNAL_OK);
+      after = journal.compactions() > rewrites ? 0 : after + 1;
+    }
+    EXPECT_EQ(journal.compactions(), 2u);  // after 34 and 37 days
+  }
+  // A replay meets the kept reports, the snapshot of the count after them,
+  // then the later reports, and so counts every report ever taken.
+  CountingHost restarted;
+  Journal journal;
+  ASSERT_EQ(journal.Open(path.c_str(), options, restarted.Host()), KEZ_JOURNAL_OK);
+  EXPECT_EQ(journal.replayedSnapshots(), 1u);
+  EXPECT_EQ(restarted.taken, total);
+  const std::size_t events = restarted.events.size();
+  ASSERT_EQ(events, journal.replayedReports() + 1);
+  ASSERT_GT(after, 0u);
+  EXPECT_EQ(restarted.events[events - 1 - after], "restore");
 }
 
 // No space for the new file: the old journal stays, reports go on, and the
