@@ -117,6 +117,7 @@ void Journal::Reset() {
   prefix_ = nullptr;
   prefixSize_ = 0;
   folderSynced_ = true;
+  dirty_ = true;  // what an earlier process wrote may not be on the disk yet
   records_ = minTimeMs_ = lastTimeMs_ = syncBaseMs_ = 0;
   syncBaseSet_ = false;
   unsynced_ = lost_ = replayed_ = snapshots_ = damaged_ = torn_ = compactions_ = 0;
@@ -252,6 +253,7 @@ int Journal::WriteAt(const char* data, std::size_t size) {
     done += static_cast<std::size_t>(n);
   }
   goodEnd_ += size;
+  dirty_ = true;
   return KEZ_JOURNAL_OK;
 }
 
@@ -261,6 +263,7 @@ int Journal::Flush() {
       return WriteStatus(errno);
     }
     truncateFirst_ = false;
+    dirty_ = true;
   }
   if (prefixSize_ > 0) {
     const int status = WriteAt(prefix_, prefixSize_);
@@ -349,7 +352,9 @@ int Journal::Sync() {
   if (fd_ < 0) return KEZ_JOURNAL_CANNOT_OPEN;
   const int status = Flush();
   if (status != KEZ_JOURNAL_OK) return status;
+  if (!dirty_ && folderSynced_) return KEZ_JOURNAL_OK;
   if (system_->Fdatasync(fd_) != 0) return WriteStatus(errno);
+  dirty_ = false;
   unsynced_ = 0;
   syncBaseMs_ = lastTimeMs_;
   syncBaseSet_ = records_ > 0;
@@ -460,6 +465,7 @@ bool Journal::Compact() {
   records_ = copy.kept;
   minTimeMs_ = copy.minTimeMs;
   unsynced_ = 0;
+  dirty_ = false;
   syncBaseMs_ = lastTimeMs_;
   ++compactions_;
   return true;

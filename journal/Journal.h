@@ -14,7 +14,9 @@
 //    allocation) before it returns, so once it returned, a kill of the
 //    process loses nothing: the line is in the operating system's hands.
 //  - Sync puts everything written on the disk (fdatasync; the folder too
-//    after the file was created). It runs by itself every
+//    after the file was created; nothing when nothing was written since the
+//    last sync, except that the first Sync after Open always syncs, for
+//    what an earlier process wrote). It runs by itself every
 //    `syncEveryReports` reports, with the first report whose time is
 //    `syncEveryMs` or more after the last report synced, after a rewrite
 //    and on Close; a host calls it when it wants (when the app goes to the
@@ -152,6 +154,7 @@ class Journal {
   const char* prefix_ = nullptr;  // first lines still to write
   std::size_t prefixSize_ = 0;
   bool folderSynced_ = true;
+  bool dirty_ = true;  // written (or opened) since the last sync
 
   JournalRecord* pending_ = nullptr;  // ring of held reports
   std::size_t pendingHead_ = 0;
