@@ -422,7 +422,7 @@ bool Journal::Compact() {
     visitor.context = &copy;
     scan = ScanJournal(fd_, buffer, kScanBuffer, visitor);
     // The host's state after the last report, where a replay will meet it;
-    // the scan buffer is free again and holds the snapshot line.
+    // the scan buffer is free again and holds each snapshot line.
     if (host_.snapshot != nullptr) {
       unsigned char* data = new (std::nothrow) unsigned char[kJournalSnapshotMax];
       if (data == nullptr) {
@@ -432,7 +432,12 @@ bool Journal::Compact() {
         if (size > kJournalSnapshotMax) {
           copy.failed = true;
         } else if (size > 0) {
-          copy.Put(buffer, FormatSnapshotLine(data, size, buffer));
+          const int parts = static_cast<int>((size + kJournalSnapshotPart - 1) / kJournalSnapshotPart);
+          for (int part = 0; part < parts; ++part) {
+            const std::size_t at = static_cast<std::size_t>(part) * kJournalSnapshotPart;
+            const std::size_t n = size - at < kJournalSnapshotPart ? size - at : kJournalSnapshotPart;
+            copy.Put(buffer, FormatSnapshotLine(part, parts, data + at, n, buffer));
+          }
         }
         delete[] data;
       }

@@ -186,10 +186,16 @@ bool ParseJournalLine(const char* line, std::size_t length, JournalRecord* r) {
   return true;
 }
 
-std::size_t FormatSnapshotLine(const unsigned char* data, std::size_t size, char* out) {
+std::size_t FormatSnapshotLine(int part, int parts, const unsigned char* data,
+                               std::size_t size, char* out) {
   char* p = out;
+  char* const end = out + kJournalSnapshotLineMax;
   std::memcpy(p, kSnapshotPrefix, kSnapshotPrefixLength);
   p += kSnapshotPrefixLength;
+  p = std::to_chars(p, end, part).ptr;
+  *p++ = '/';
+  p = std::to_chars(p, end, parts).ptr;
+  *p++ = ' ';
   for (std::size_t i = 0; i < size; ++i) {
     *p++ = kHex[data[i] >> 4];
     *p++ = kHex[data[i] & 0xFu];
@@ -206,19 +212,31 @@ bool IsSnapshotLine(const char* line, std::size_t length) {
          std::memcmp(line, kSnapshotPrefix, kSnapshotPrefixLength) == 0;
 }
 
-bool ParseSnapshotLine(char* line, std::size_t length, std::size_t* size) {
-  if (!IsSnapshotLine(line, length) || length < kSnapshotPrefixLength + 9) return false;
+bool ParseSnapshotLine(char* line, std::size_t length, int* part, int* parts,
+                       std::size_t* size) {
+  if (!IsSnapshotLine(line, length) || length < kSnapshotPrefixLength + 13) return false;
   const std::size_t hexEnd = length - 9;
-  const std::size_t digits = hexEnd - kSnapshotPrefixLength;
-  if (line[hexEnd] != ',' || digits % 2 != 0 || digits / 2 > kJournalSnapshotMax) {
+  uint32_t check = 0;
+  if (line[hexEnd] != ',' || !GetCheck(line + hexEnd + 1, &check) ||
+      Crc32(line, hexEnd) != check) {
     return false;
   }
-  uint32_t check = 0;
-  if (!GetCheck(line + hexEnd + 1, &check) || Crc32(line, hexEnd) != check) return false;
+  const char* p = line + kSnapshotPrefixLength;
+  const char* const e = line + hexEnd;
+  std::from_chars_result r = std::from_chars(p, e, *part);
+  if (r.ec != std::errc() || r.ptr == e || *r.ptr != '/') return false;
+  r = std::from_chars(r.ptr + 1, e, *parts);
+  if (r.ec != std::errc() || r.ptr == e || *r.ptr != ' ') return false;
+  if (*parts < 1 || *parts > kJournalSnapshotParts || *part < 0 || *part >= *parts) {
+    return false;
+  }
+  const char* hex = r.ptr + 1;
+  const std::size_t digits = static_cast<std::size_t>(e - hex);
+  if (digits % 2 != 0 || digits / 2 > kJournalSnapshotPart) return false;
   unsigned char* out = reinterpret_cast<unsigned char*>(line);
   for (std::size_t i = 0; i < digits / 2; ++i) {
-    const int high = HexValue(line[kSnapshotPrefixLength + 2 * i]);
-    const int low = HexValue(line[kSnapshotPrefixLength + 2 * i + 1]);
+    const int high = HexValue(hex[2 * i]);
+    const int low = HexValue(hex[2 * i + 1]);
     if (high < 0 || low < 0) return false;
     out[i] = static_cast<unsigned char>(high * 16 + low);
   }

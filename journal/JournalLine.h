@@ -14,10 +14,12 @@
 // eight lowercase hexadecimal digits: a line damaged in any byte no longer
 // matches it and is skipped instead of being replayed with a wrong value.
 //
-// A rewrite that drops old reports also writes one snapshot line after the
-// reports it keeps: `# snapshot <hex bytes>,<check>`, the forecaster's own
-// saved state at that point (what it learned from the dropped reports and
-// can no longer learn from the journal). The tools skip it as a comment.
+// A rewrite that drops old reports also writes a snapshot after the reports
+// it keeps: the forecaster's own saved state at that point (what it learned
+// from the dropped reports and can no longer learn from the journal), in
+// parts of up to kJournalSnapshotPart bytes, one line each:
+// `# snapshot <part>/<parts> <hex bytes>,<check>`, parts counted from 0. The
+// tools skip these lines as comments.
 //
 // Numbers: the time is a whole number of milliseconds; every other value is
 // written so that it reads back to the very same float or double bits (the
@@ -54,20 +56,26 @@ std::size_t FormatJournalLine(const JournalRecord& record, char* out);
 // report with a matching check.
 bool ParseJournalLine(const char* line, std::size_t length, JournalRecord* record);
 
-// The largest snapshot, in bytes (its line is twice as long, plus 21).
-constexpr std::size_t kJournalSnapshotMax = 16384;
-constexpr std::size_t kJournalSnapshotLineMax = 2 * kJournalSnapshotMax + 32;
+// The largest snapshot and the largest part, in bytes.
+constexpr std::size_t kJournalSnapshotMax = 256 * 1024;
+constexpr std::size_t kJournalSnapshotPart = 4096;
+constexpr int kJournalSnapshotParts = kJournalSnapshotMax / kJournalSnapshotPart;
+// Room for the longest snapshot line, '\n' included.
+constexpr std::size_t kJournalSnapshotLineMax = 2 * kJournalSnapshotPart + 48;
 
-// Writes the snapshot line of `size` (<= kJournalSnapshotMax) bytes, '\n'
-// included, into `out` (kJournalSnapshotLineMax bytes); returns its length.
-std::size_t FormatSnapshotLine(const unsigned char* data, std::size_t size, char* out);
+// Writes the line of part `part` of `parts` (1 .. kJournalSnapshotParts),
+// holding `size` (<= kJournalSnapshotPart) bytes, '\n' included, into `out`
+// (kJournalSnapshotLineMax bytes); returns its length.
+std::size_t FormatSnapshotLine(int part, int parts, const unsigned char* data,
+                               std::size_t size, char* out);
 
 // True when `line` (without its '\n') starts as a snapshot line does.
 bool IsSnapshotLine(const char* line, std::size_t length);
 
 // Reads a snapshot line, decoding its bytes in place to the line's start;
 // false when it is damaged.
-bool ParseSnapshotLine(char* line, std::size_t length, std::size_t* size);
+bool ParseSnapshotLine(char* line, std::size_t length, int* part, int* parts,
+                       std::size_t* size);
 
 // What a first line says: a journal this version reads, a journal of a later
 // version, or something else.

@@ -161,24 +161,30 @@ TEST(JournalLine, RefusesWhatIsNotAReport) {
 TEST(JournalLine, SnapshotLine) {
   const unsigned char data[] = {0x00, 0x7f, 0x80, 0xff, '\n', ','};
   std::vector<char> out(kJournalSnapshotLineMax);
-  std::string line(out.data(), FormatSnapshotLine(data, sizeof data, out.data()));
-  // Hex bytes, then the CRC-32 of the text before the comma (Python's
-  // zlib.crc32(b"# snapshot 007f80ff0a2c")).
-  EXPECT_EQ(line, "# snapshot 007f80ff0a2c,9a159ada\n");
+  std::string line(out.data(), FormatSnapshotLine(2, 3, data, sizeof data, out.data()));
+  // Part, parts, hex bytes, then the CRC-32 of the text before the comma
+  // (Python's zlib.crc32(b"# snapshot 2/3 007f80ff0a2c")).
+  EXPECT_EQ(line, "# snapshot 2/3 007f80ff0a2c,f55f05df\n");
   std::string text = line.substr(0, line.size() - 1);
+  int part = -1;
+  int parts = -1;
   std::size_t size = 0;
-  ASSERT_TRUE(ParseSnapshotLine(&text[0], text.size(), &size));
+  ASSERT_TRUE(ParseSnapshotLine(&text[0], text.size(), &part, &parts, &size));
+  EXPECT_EQ(part, 2);
+  EXPECT_EQ(parts, 3);
   ASSERT_EQ(size, sizeof data);
   EXPECT_EQ(std::memcmp(text.data(), data, size), 0);
   const std::string clean = line.substr(0, line.size() - 1);
   for (std::size_t at = 0; at < clean.size(); ++at) {
     std::string bad = clean;
     bad[at] = static_cast<char>(bad[at] ^ 0x04);
-    EXPECT_FALSE(ParseSnapshotLine(&bad[0], bad.size(), &size)) << at;
+    EXPECT_FALSE(ParseSnapshotLine(&bad[0], bad.size(), &part, &parts, &size)) << at;
   }
-  // The largest snapshot fits its line.
-  std::vector<unsigned char> big(kJournalSnapshotMax, 0xab);
-  EXPECT_LE(FormatSnapshotLine(big.data(), big.size(), out.data()), kJournalSnapshotLineMax);
+  // The largest part fits its line.
+  std::vector<unsigned char> big(kJournalSnapshotPart, 0xab);
+  EXPECT_LE(FormatSnapshotLine(kJournalSnapshotParts - 1, kJournalSnapshotParts, big.data(),
+                               big.size(), out.data()),
+            kJournalSnapshotLineMax);
 }
 
 TEST(JournalLine, Marker) {

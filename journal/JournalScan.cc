@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <new>
 
 #include "journal/JournalLine.h"
 #include "journal/kez_journal.h"
@@ -38,15 +39,7 @@ class Scanner {
       return true;
     }
     if (!overlong && IsSnapshotLine(text, length)) {
-      std::size_t size = 0;
-      if (!ParseSnapshotLine(text, length, &size)) {
-        ++result.damagedLines;
-        return true;
-      }
-      ++result.snapshots;
-      if (visit_.snapshot != nullptr) {
-        visit_.snapshot(visit_.context, reinterpret_cast<const unsigned char*>(text), size);
-      }
+      SnapshotPart(text, length);
       return true;
     }
     if (!overlong && length > 0 && text[0] == '#') return true;
@@ -81,10 +74,53 @@ class Scanner {
 
   void Empty() { result.fresh = true; }
 
+  // A snapshot left without its last part is damaged.
+  void End() {
+    if (parts_ > 0) ++result.damagedLines;
+    parts_ = 0;
+  }
+
+  ~Scanner() { delete[] snapshot_; }
+
   JournalScanResult result;
 
  private:
+  // Collects the parts of a snapshot, in order, and hands on the whole.
+  void SnapshotPart(char* text, std::size_t length) {
+    int part = 0;
+    int parts = 0;
+    std::size_t size = 0;
+    if (!ParseSnapshotLine(text, length, &part, &parts, &size) ||
+        (part > 0 && (part != nextPart_ || parts != parts_)) ||
+        (part + 1 < parts && size != kJournalSnapshotPart)) {
+      ++result.damagedLines;
+      parts_ = 0;  // the snapshot is lost
+      return;
+    }
+    if (part == 0) {
+      if (parts_ > 0) ++result.damagedLines;  // an unfinished one before
+      parts_ = parts;
+      snapshotSize_ = 0;
+      if (visit_.snapshot != nullptr && snapshot_ == nullptr) {
+        snapshot_ = new (std::nothrow) unsigned char[kJournalSnapshotMax];
+      }
+    }
+    if (snapshot_ != nullptr) std::memcpy(snapshot_ + snapshotSize_, text, size);
+    snapshotSize_ += size;
+    nextPart_ = part + 1;
+    if (nextPart_ < parts_) return;
+    parts_ = 0;
+    ++result.snapshots;
+    if (visit_.snapshot != nullptr && snapshot_ != nullptr) {
+      visit_.snapshot(visit_.context, snapshot_, snapshotSize_);
+    }
+  }
+
   const JournalVisitor& visit_;
+  unsigned char* snapshot_ = nullptr;  // kJournalSnapshotMax bytes, when needed
+  std::size_t snapshotSize_ = 0;
+  int parts_ = 0;  // of the snapshot being collected; 0: none
+  int nextPart_ = 0;
   uint64_t lines_ = 0;
 };
 
@@ -132,6 +168,7 @@ JournalScanResult ScanJournal(int fd, char* buffer, std::size_t bufferSize,
     base += pos;
     have -= pos;
   }
+  scanner.End();
   if (overlong) {
     scanner.Tail(overlongStart, base + have - overlongStart, nullptr);
   } else if (have > 0) {

@@ -8,11 +8,13 @@
 //    two lines, is a journal that was being created: `fresh`;
 //  - bytes after the last '\n' are a torn line (a write cut short): they are
 //    not visited, and `goodEnd` is where they start;
-//  - a snapshot line (JournalLine.h) is handed to the visitor too;
+//  - a snapshot (JournalLine.h) is handed to the visitor once its last part
+//    was read; a snapshot with a part missing or damaged is dropped;
 //  - any whole line that is neither a report nor a snapshot with a
 //    matching check, the header in second place, nor another '#' comment is
 //    damaged: skipped, counted.
-// Reads in chunks through the caller's buffer; allocates nothing.
+// Reads in chunks through the caller's buffer; allocates only room for a
+// snapshot when it meets one and has a visitor for it.
 #ifndef KEZ_JOURNAL_JOURNALSCAN_H_
 #define KEZ_JOURNAL_JOURNALSCAN_H_
 
@@ -48,7 +50,8 @@ struct JournalVisitor {
 };
 
 // Scans the file open as `fd` from offset 0 with `buffer` (`bufferSize`
-// bytes, more than kJournalSnapshotLineMax).
+// bytes, more than kJournalSnapshotLineMax). An allocation that fails drops
+// the snapshot.
 JournalScanResult ScanJournal(int fd, char* buffer, std::size_t bufferSize,
                               const JournalVisitor& visit);
 

@@ -208,6 +208,71 @@ TEST(JournalCompaction, SnapshotComesBackWhereItWasTaken) {
   EXPECT_EQ(restarted.events[events - 1 - after], "restore");
 }
 
+// A snapshot larger than a part: written in parts, restored whole; with a
+// part damaged it is not restored at all.
+struct BigSnapshotHost {
+  std::vector<unsigned char> saved;
+  std::vector<unsigned char> restored;
+  int restores = 0;
+
+  static std::size_t Save(void* c, unsigned char* out, std::size_t capacity) {
+    const BigSnapshotHost* h = static_cast<const BigSnapshotHost*>(c);
+    if (capacity < h->saved.size()) return 0;
+    std::memcpy(out, h->saved.data(), h->saved.size());
+    return h->saved.size();
+  }
+  static void Restore(void* c, const unsigned char* data, std::size_t size) {
+    BigSnapshotHost* h = static_cast<BigSnapshotHost*>(c);
+    h->restored.assign(data, data + size);
+    ++h->restores;
+  }
+  JournalHost Host() {
+    JournalHost host;
+    host.report = [](void*, const JournalRecord&) {};
+    host.snapshot = Save;
+    host.restore = Restore;
+    host.context = this;
+    return host;
+  }
+};
+
+TEST(JournalCompaction, LargeSnapshotInParts) {
+  TempFolder folder;
+  const std::string path = folder.Path("history.csv");
+  journal_test::WriteText(path, FortyDays(path));
+  BigSnapshotHost host;
+  for (int i = 0; i < 10000; ++i) host.saved.push_back(static_cast<unsigned char>(i * 7));
+  NoSyncSystem system;
+  JournalOptions options;
+  options.system = &system;
+  {
+    Journal journal;  // rewrites at the open
+    ASSERT_EQ(journal.Open(path.c_str(), options, host.Host()), KEZ_JOURNAL_OK);
+    EXPECT_EQ(journal.compactions(), 1u);
+  }
+  const std::string text = ReadText(path);
+  EXPECT_NE(text.find("# snapshot 0/3 "), std::string::npos);
+  EXPECT_NE(text.find("# snapshot 2/3 "), std::string::npos);
+  BigSnapshotHost again;
+  {
+    Journal journal;
+    ASSERT_EQ(journal.Open(path.c_str(), options, again.Host()), KEZ_JOURNAL_OK);
+    EXPECT_EQ(journal.replayedSnapshots(), 1u);
+  }
+  EXPECT_EQ(again.restores, 1);
+  EXPECT_TRUE(again.restored == host.saved);
+
+  std::string damaged = text;
+  damaged[text.find("# snapshot 1/3 ") + 100] ^= 0x01;
+  journal_test::WriteText(path, damaged);
+  BigSnapshotHost lost;
+  Journal journal;
+  ASSERT_EQ(journal.Open(path.c_str(), options, lost.Host()), KEZ_JOURNAL_OK);
+  EXPECT_EQ(lost.restores, 0);
+  EXPECT_EQ(journal.replayedSnapshots(), 0u);
+  EXPECT_EQ(journal.damagedLines(), 2u);  // the damaged part and the one after
+}
+
 // No space for the new file: the old journal stays, reports go on, and the
 // rewrite is tried again later.
 class FullForNewFiles : public NoSyncSystem {
