@@ -48,6 +48,10 @@ class Scanner {
       ++result.damagedLines;
       return true;
     }
+    if (parts_ > 0) {  // a snapshot's parts are never split by a report
+      ++result.damagedLines;
+      parts_ = 0;
+    }
     if (result.records == 0 || record.timeMs < result.minTimeMs) {
       result.minTimeMs = record.timeMs;
     }
