@@ -122,6 +122,7 @@ void Journal::Reset() {
   syncBaseSet_ = false;
   unsynced_ = lost_ = replayed_ = snapshots_ = damaged_ = torn_ = compactions_ = 0;
   compactAbove_ = 0;
+  spanLimit_ = 0;
   compactWait_ = 0;
 }
 
@@ -377,26 +378,44 @@ void Journal::MaybeCompact() {
   const uint64_t keepMs = DaysToMs(options_.keepDays);
   if (compactWait_ > 0 || records_ == 0 || keepMs == 0) return;
   const uint64_t slackMs = DaysToMs(options_.slackDays);
-  const bool old = lastTimeMs_ > minTimeMs_ &&
-                   lastTimeMs_ - minTimeMs_ > keepMs + slackMs;
+  const uint64_t span = lastTimeMs_ > minTimeMs_ ? lastTimeMs_ - minTimeMs_ : 0;
+  if (spanLimit_ == 0) spanLimit_ = keepMs + slackMs;
+  const bool old = span > spanLimit_;
   const bool big = goodEnd_ > compactAbove_;
   if (!old && !big) return;
+  if (!big && minTimeMs_ >= Cutoff()) {
+    // Nothing to drop: the host still needs every report.
+    spanLimit_ = span + slackMs;
+    return;
+  }
   if (!Compact()) {
     compactWait_ = options_.compactRetryReports;
     return;
   }
-  // A journal that stays big after a rewrite holds only recent reports (a
-  // host that reports very often): let it grow to twice that first.
+  // A journal that still reaches further back after a rewrite (the host
+  // needs older reports) or stays big (a host that reports very often)
+  // grows by the slack, or to twice its size, before the next one.
+  const uint64_t kept = lastTimeMs_ > minTimeMs_ ? lastTimeMs_ - minTimeMs_ : 0;
+  spanLimit_ = (kept > keepMs ? kept : keepMs) + slackMs;
   if (goodEnd_ > compactAbove_ / 2) compactAbove_ = 2 * goodEnd_;
+}
+
+uint64_t Journal::Cutoff() const {
+  const uint64_t keepMs = DaysToMs(options_.keepDays);
+  uint64_t cutoff = lastTimeMs_ > keepMs ? lastTimeMs_ - keepMs : 0;
+  if (host_.oldestNeeded != nullptr) {
+    const uint64_t needed = host_.oldestNeeded(host_.context);
+    if (needed < cutoff) cutoff = needed;
+  }
+  return cutoff;
 }
 
 bool Journal::Compact() {
   if (pendingCount_ > 0 || truncateFirst_ || prefixSize_ > 0) return false;
-  const uint64_t keepMs = DaysToMs(options_.keepDays);
   char* buffer = new (std::nothrow) char[2 * kScanBuffer];
   if (buffer == nullptr) return false;
 
-  OldestContext oldest{lastTimeMs_ > keepMs ? lastTimeMs_ - keepMs : 0};
+  OldestContext oldest{Cutoff()};
   JournalVisitor visitor;
   visitor.record = OldestVisit;
   visitor.context = &oldest;

@@ -32,7 +32,9 @@
 // Bounded size: once the oldest report is older than the last report's time
 // by more than keepDays + slackDays (or the file exceeds
 // compactAboveBytes), the journal is rewritten keeping the reports after the
-// last one older than keepDays: written under a temporary name in the same
+// last one older than keepDays (or than the host's oldestNeeded, when
+// older; a rewrite that would drop nothing is not made, and the next one
+// waits until the journal reaches slackDays further back): written under a temporary name in the same
 // folder (path + ".tmp"), synced, renamed over the journal, the folder
 // synced. A crash at any moment leaves the old or the new journal, whole.
 // Damaged lines are dropped by the rewrite, and the host's snapshot is
@@ -79,6 +81,11 @@ struct JournalHost {
   // the forecaster took the journal's last report. Returns the size, 0 for
   // nothing to save. May be null.
   std::size_t (*snapshot)(void* context, unsigned char* out, std::size_t capacity) = nullptr;
+  // The time of the oldest report the forecaster needs replayed to be
+  // rebuilt (its memory of 30 days of 10-minute steps reaches further back
+  // than 30 days when the phone was off for a while). A rewrite keeps the
+  // reports from min(this, last report - keepDays) on. May be null.
+  uint64_t (*oldestNeeded)(void* context) = nullptr;
   // Puts back, during a replay, what `snapshot` saved at that point of the
   // reports. May be null.
   void (*restore)(void* context, const unsigned char* data, std::size_t size) = nullptr;
@@ -138,6 +145,7 @@ class Journal {
   void Written(const JournalRecord& record);
   int SyncFolder();
   void MaybeCompact();
+  uint64_t Cutoff() const;  // reports older than this may go
   bool Compact();
   void Release();
   void Reset();
@@ -173,6 +181,7 @@ class Journal {
   uint64_t snapshots_ = 0;
   uint64_t compactions_ = 0;
   uint64_t compactAbove_ = 0;
+  uint64_t spanLimit_ = 0;  // rewrite when the reports span more (ms)
   int compactWait_ = 0;  // reports to wait before the next rewrite attempt
 };
 

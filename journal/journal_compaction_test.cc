@@ -273,6 +273,44 @@ TEST(JournalCompaction, LargeSnapshotInParts) {
   EXPECT_EQ(journal.damagedLines(), 2u);  // the damaged part and the one after
 }
 
+// A host whose memory reaches further back than keepDays keeps the
+// reports it needs; the next rewrite waits for three more days.
+TEST(JournalCompaction, KeepsWhatTheHostStillNeeds) {
+  TempFolder folder;
+  const std::string path = folder.Path("history.csv");
+  journal_test::WriteText(path, FortyDays(path));
+  struct Host {
+    uint64_t oldest;
+    static uint64_t Needed(void* c) { return static_cast<Host*>(c)->oldest; }
+  } host{Report(4 * kDayReports).timeMs};  // day 4 of 40
+  JournalHost journalHost;
+  journalHost.oldestNeeded = Host::Needed;
+  journalHost.context = &host;
+  NoSyncSystem system;
+  JournalOptions options;
+  options.system = &system;
+  Journal journal;
+  ASSERT_EQ(journal.Open(path.c_str(), options, journalHost), KEZ_JOURNAL_OK);
+  EXPECT_EQ(journal.compactions(), 1u);
+  journal.Close();
+  ExpectRun(ReplayOnce(path).records, 4 * kDayReports, 36 * kDayReports);
+
+  ASSERT_EQ(journal.Open(path.c_str(), options, journalHost), KEZ_JOURNAL_OK);
+  // While the host needs them, the old reports stay.
+  uint64_t i = 40 * kDayReports;
+  for (; i < 50 * kDayReports; ++i) ASSERT_EQ(journal.Append(Report(i)), KEZ_JOURNAL_OK);
+  EXPECT_EQ(journal.compactions(), 0u);
+  // Once it needs nothing older than 31 days, they go within three days.
+  host.oldest = UINT64_MAX;
+  for (uint64_t waited = 0; journal.compactions() == 0 && waited <= 3 * kDayReports; ++waited) {
+    ASSERT_EQ(journal.Append(Report(i++)), KEZ_JOURNAL_OK);
+  }
+  EXPECT_EQ(journal.compactions(), 1u);
+  journal.Close();
+  const uint64_t keptFirst = i - 1 - 31 * kDayReports;
+  ExpectRun(ReplayOnce(path).records, keptFirst, i - keptFirst);
+}
+
 // No space for the new file: the old journal stays, reports go on, and the
 // rewrite is tried again later.
 class FullForNewFiles : public NoSyncSystem {
