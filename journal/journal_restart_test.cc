@@ -10,7 +10,10 @@
 // charge and discharge rates, sums that forget by 0.99 a report (charging
 // reports are few, so a month does not wash out the older ones). Without
 // the snapshot, the "plugged in now" forecast after the rewrite differs in
-// the last bits.
+// the last bits. A second run goes over the log twice with six days
+// without reports in the middle: the instance's memory then reaches six
+// days further back, the host tells the journal (oldestNeeded), and without
+// that the forecasts after later rewrites differ.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -99,62 +102,110 @@ void RestoreRates(void* h, const unsigned char* data, std::size_t size) {
   p->dischargeSteps = rates[3];
 }
 
-void ReplayReport(void* h, const JournalRecord& r) { Report(h, r); }
+// The forecaster as its journal sees it: the instance, and how much further
+// back than 31 days its memory reaches.
+struct Host {
+  kez_handle instance = nullptr;
+  uint64_t extraMs = 0;
+  uint64_t lastMs = 0;
 
-JournalHost HostOf(kez_handle h) {
-  JournalHost host;
-  host.report = ReplayReport;
-  host.snapshot = SaveRates;
-  host.restore = RestoreRates;
-  host.context = h;
-  return host;
-}
+  static void Take(void* c, const JournalRecord& r) {
+    Host* h = static_cast<Host*>(c);
+    Report(h->instance, r);
+    h->lastMs = r.timeMs;
+  }
+  static std::size_t Save(void* c, unsigned char* out, std::size_t capacity) {
+    return SaveRates(static_cast<Host*>(c)->instance, out, capacity);
+  }
+  static void Restore(void* c, const unsigned char* data, std::size_t size) {
+    RestoreRates(static_cast<Host*>(c)->instance, data, size);
+  }
+  static uint64_t Needed(void* c) {
+    const Host* h = static_cast<const Host*>(c);
+    const uint64_t back = 31 * 86400000ull + h->extraMs;
+    return h->lastMs > back ? h->lastMs - back : 0;
+  }
+  JournalHost Journal() {
+    JournalHost host;
+    host.report = Take;
+    host.snapshot = Save;
+    host.restore = Restore;
+    host.oldestNeeded = Needed;
+    host.context = this;
+    return host;
+  }
+};
 
-TEST(JournalRestart, ForecastsAfterReopeningAreBitIdentical) {
-  const std::vector<JournalRecord> log = ReadBundledLog();
-  ASSERT_GT(log.size(), 9000u);
+// Reports `log` to a forecaster that never stops and to one that is
+// rebuilt from its journal at 20 random moments, comparing their forecasts
+// after each restart and at the end. Returns the rewrites seen.
+uint64_t RunRestarts(const std::vector<JournalRecord>& log, uint64_t extraMs,
+                     unsigned seed) {
   TempFolder folder;
   const std::string path = folder.Path("history.csv");
   NoSyncSystem system;
   JournalOptions options;
   options.system = &system;
 
-  std::mt19937 random(35);
+  std::mt19937 random(seed);
   std::vector<std::size_t> restarts;
   while (restarts.size() < 20) {
     const std::size_t at = std::uniform_int_distribution<std::size_t>(1, log.size() - 1)(random);
     if (std::find(restarts.begin(), restarts.end(), at) == restarts.end()) restarts.push_back(at);
   }
   std::sort(restarts.begin(), restarts.end());
-  // At least one restart after the rewrite (day 34).
-  ASSERT_GT(log[restarts.back() - 1].timeMs - log.front().timeMs, 34 * 86400000ull);
 
   kez_handle steady = kez_init();
-  kez_handle restarted = kez_init();
+  Host restarted{kez_init(), extraMs};
+  uint64_t rewrites = 0;
   Journal journal;
-  ASSERT_EQ(journal.Open(path.c_str(), options, HostOf(restarted)), KEZ_JOURNAL_OK);
+  EXPECT_EQ(journal.Open(path.c_str(), options, restarted.Journal()), KEZ_JOURNAL_OK);
   std::size_t next = 0;
   for (std::size_t i = 0; i < log.size(); ++i) {
     if (next < restarts.size() && restarts[next] == i) {
       ++next;
-      ASSERT_EQ(journal.Close(), KEZ_JOURNAL_OK);
-      kez_stop(restarted);
-      restarted = kez_init();
-      ASSERT_EQ(journal.Open(path.c_str(), options, HostOf(restarted)), KEZ_JOURNAL_OK);
-      ASSERT_TRUE(Forecasts(restarted) == Forecasts(steady))
+      rewrites += journal.compactions();
+      EXPECT_EQ(journal.Close(), KEZ_JOURNAL_OK);
+      kez_stop(restarted.instance);
+      restarted.instance = kez_init();
+      EXPECT_EQ(journal.Open(path.c_str(), options, restarted.Journal()), KEZ_JOURNAL_OK);
+      EXPECT_TRUE(Forecasts(restarted.instance) == Forecasts(steady))
           << "restart before report " << i << " after " << journal.replayedReports()
-          << " replayed, " << journal.compactions() << " rewrites";
+          << " replayed, " << rewrites << " rewrites";
     }
     Report(steady, log[i]);
-    Report(restarted, log[i]);
-    ASSERT_EQ(journal.Append(log[i]), KEZ_JOURNAL_OK);
+    Host::Take(&restarted, log[i]);
+    EXPECT_EQ(journal.Append(log[i]), KEZ_JOURNAL_OK);
   }
-  EXPECT_TRUE(Forecasts(restarted) == Forecasts(steady));
-  // The rewrite happened before the last restart.
-  EXPECT_LT(journal.replayedReports(), log.size());
-  EXPECT_EQ(journal.replayedSnapshots(), 1u);
+  rewrites += journal.compactions();
+  EXPECT_TRUE(Forecasts(restarted.instance) == Forecasts(steady));
   kez_stop(steady);
-  kez_stop(restarted);
+  kez_stop(restarted.instance);
+  return rewrites;
+}
+
+TEST(JournalRestart, ForecastsAfterReopeningAreBitIdentical) {
+  const std::vector<JournalRecord> log = ReadBundledLog();
+  ASSERT_GT(log.size(), 9000u);
+  EXPECT_EQ(RunRestarts(log, 0, 35), 1u);  // the rewrite after 34 days
+}
+
+// The phone off for six days: the memory of 4320 steps then reaches six
+// days further back than 30 days, and the host says so.
+TEST(JournalRestart, AfterDaysWithoutReports) {
+  const std::vector<JournalRecord> once = ReadBundledLog();
+  ASSERT_GT(once.size(), 9000u);
+  const uint64_t start = once.front().timeMs;
+  const uint64_t span = once.back().timeMs - start + 300000;
+  std::vector<JournalRecord> log;
+  for (int copy = 0; copy < 2; ++copy) {
+    for (JournalRecord r : once) {
+      r.timeMs += copy * span;
+      const uint64_t day = (r.timeMs - start) / 86400000ull;
+      if (day < 40 || day >= 46) log.push_back(r);
+    }
+  }
+  EXPECT_GE(RunRestarts(log, 6 * 86400000ull, 46), 2u);
 }
 
 }  // namespace
