@@ -2,6 +2,7 @@
 // same bits, that damage in any byte is caught, and the first line.
 #include "journal/JournalLine.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
