@@ -12,7 +12,7 @@
 
 #include "gtest/gtest.h"
 #include "journal/Crc32.h"
-#include "journal/journal_test_util.h"
+#include "journal/JournalTestUtil.h"
 
 namespace kez {
 namespace {

@@ -13,7 +13,7 @@
 
 #include "gtest/gtest.h"
 #include "journal/JournalLine.h"
-#include "journal/journal_test_util.h"
+#include "journal/JournalTestUtil.h"
 
 namespace kez {
 namespace {

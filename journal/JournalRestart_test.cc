@@ -26,7 +26,7 @@
 
 #include "gtest/gtest.h"
 #include "journal/Journal.h"
-#include "journal/journal_test_util.h"
+#include "journal/JournalTestUtil.h"
 #include "interface/KEZ.h"
 #include "kez/kez.h"
 #include "predictor/MobilePowerPredictor.h"

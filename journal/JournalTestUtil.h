@@ -1,7 +1,7 @@
 // Helpers shared by the journal tests: a fresh temporary folder per test,
 // whole-file reads and writes, and reports that follow from their index.
-#ifndef KEZ_JOURNAL_JOURNAL_TEST_UTIL_H_
-#define KEZ_JOURNAL_JOURNAL_TEST_UTIL_H_
+#ifndef KEZ_JOURNAL_JOURNALTESTUTIL_H_
+#define KEZ_JOURNAL_JOURNALTESTUTIL_H_
 
 #include <stdlib.h>
 #include <unistd.h>
@@ -112,4 +112,4 @@ inline Replayed ReplayOnce(const std::string& path,
 
 }  // namespace journal_test
 
-#endif  // KEZ_JOURNAL_JOURNAL_TEST_UTIL_H_
+#endif  // KEZ_JOURNAL_JOURNALTESTUTIL_H_

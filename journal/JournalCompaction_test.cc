@@ -14,7 +14,7 @@
 
 #include "gtest/gtest.h"
 #include "journal/Journal.h"
-#include "journal/journal_test_util.h"
+#include "journal/JournalTestUtil.h"
 
 namespace kez {
 namespace {
