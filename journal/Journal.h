@@ -6,8 +6,11 @@
 // existing), takes an advisory lock on it (flock: one writer per file, in
 // this process or another), reads it and hands every report to the replay
 // function in file order, then drops a torn last line. Open returns 0 or a
-// negative KEZ_JOURNAL_* code (kez_journal.h); on a negative code the
-// journal is closed and the reports replayed so far must be discarded.
+// negative KEZ_JOURNAL_* code (kez_journal.h). KEZ_JOURNAL_DISK_FULL and
+// KEZ_JOURNAL_WRITE_FAILED leave it open and replayed (a new journal's
+// first lines, or the removal of a torn end, could not be written yet; the
+// next report tries again); on any other negative code it is closed and the
+// reports replayed so far must be discarded.
 //
 // Durability:
 //  - Append writes the report's line to the file (one pwrite, no sync, no

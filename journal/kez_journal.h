@@ -4,8 +4,10 @@
  * A journal is the file in which a forecaster keeps every report it took, so
  * that a process that starts again replays it and forecasts as if it had
  * never stopped. Opening one gives 0 or one of the negative codes below;
- * every later call that writes (a report, a sync, closing) gives 0 or
- * KEZ_JOURNAL_DISK_FULL / KEZ_JOURNAL_WRITE_FAILED.
+ * after KEZ_JOURNAL_DISK_FULL or KEZ_JOURNAL_WRITE_FAILED the journal is
+ * open nevertheless (it writes what it could not as soon as it can), after
+ * the others it is not. Every later call that writes (a report, a sync,
+ * closing) gives 0 or KEZ_JOURNAL_DISK_FULL / KEZ_JOURNAL_WRITE_FAILED.
  *
  * The codes start at -2 so that -1 keeps meaning "null handle" for every
  * function that returns them.
