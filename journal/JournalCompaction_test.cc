@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "gtest/gtest.h"
@@ -142,6 +143,42 @@ TEST(JournalCompaction, StoppedBetweenStepsLeavesAWholeJournal) {
     }
     EXPECT_FALSE(Exists(path + ".tmp"));  // a leftover is removed on opening
   }
+}
+
+// At every step of a rewrite, a second writer is refused: the old file is
+// locked until the new one, locked before it gets the name, replaces it.
+class ProbingSystem : public NoSyncSystem {
+ public:
+  explicit ProbingSystem(std::string path) : path_(std::move(path)) {}
+  std::vector<int> statuses;  // what another process got, step by step
+  void Reached(CompactionStep) override {
+    const pid_t child = fork();
+    if (child == 0) {
+      Journal other;
+      _exit(-OpenAndReplay(&other, path_).status);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    statuses.push_back(WIFEXITED(status) ? -WEXITSTATUS(status) : 1);
+  }
+
+ private:
+  std::string path_;
+};
+
+TEST(JournalCompaction, NoSecondWriterDuringARewrite) {
+  TempFolder folder;
+  const std::string path = folder.Path("history.csv");
+  FortyDays(path);
+  ProbingSystem system(path);
+  JournalOptions options;
+  options.system = &system;
+  Journal journal;
+  ASSERT_EQ(OpenAndReplay(&journal, path, options).status, KEZ_JOURNAL_OK);
+  EXPECT_EQ(journal.compactions(), 1u);
+  EXPECT_EQ(system.statuses, std::vector<int>(5, KEZ_JOURNAL_LOCKED));
+  journal.Close();
+  EXPECT_EQ(ReplayOnce(path).status, KEZ_JOURNAL_OK);
 }
 
 // A host that saves a counter in its snapshot and logs what a replay does.
