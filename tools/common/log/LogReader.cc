@@ -147,11 +147,19 @@ bool Contains(const std::vector<std::string>& names, const std::string& n) {
   return std::find(names.begin(), names.end(), n) != names.end();
 }
 
+// A fraction of 1 in percent, exactly as the decimal text says: "0.29" is
+// 29, where 0.29 * 100 would be 28.999999999999996.
+double FractionToPercent(const std::string& cell, double fraction) {
+  if (cell.find_first_of("eE") != std::string::npos) return fraction * 100;
+  return std::strtod((cell + "e2").c_str(), nullptr);
+}
+
 // A sample before its level's scale is known (when the scale is detected
 // from all the levels).
 struct Row {
   LogSample sample;
   std::string time_cell;
+  std::string level_cell;
 };
 
 class Reader {
@@ -519,6 +527,7 @@ class Reader {
           return BadRow(reason, why);
         }
       } else {
+        if (f == kFieldLevel) row.level_cell = cell;
         if (cell.empty() && f > kFieldCharging) continue;  // optional
         std::string number_why;
         if (!ParseNumber(cell, &values[f], &number_why)) {
@@ -640,6 +649,7 @@ class Reader {
       }
     }
     s.line_number = line_number_;
+    level_cells_.push_back(row.level_cell);
     latest_ms_ = std::max(latest_ms_, s.time_ms);
     log_->samples.push_back(std::move(s));
     return true;
@@ -660,7 +670,10 @@ class Reader {
                                                : LevelScale::kPercent;
     }
     if (r.level_scale == LevelScale::kFraction) {
-      for (LogSample& s : samples) s.level_percent *= 100;
+      for (size_t i = 0; i < samples.size(); ++i) {
+        samples[i].level_percent =
+            FractionToPercent(level_cells_[i], samples[i].level_percent);
+      }
     }
     if (r.time_unit == TimeUnit::kUnset) r.time_unit = TimeUnit::kMilliseconds;
     if (r.rows_moved > 0) {
@@ -697,6 +710,7 @@ class Reader {
   int64_t latest_ms_ = 0;  // the latest time of the rows kept
   std::string first_bad_;
   std::vector<std::string> columns_;
+  std::vector<std::string> level_cells_;  // per sample, as read
 };
 
 }  // namespace

@@ -219,12 +219,12 @@ TEST(LogReaderShapes, HomeAutomationExportTextLevelsWithoutCharging) {
 
 TEST(LogReaderShapes, FractionLevels) {
   // Detected: every level within 0..1, one not whole.
-  Read r = ReadWith("time_ms,level,charging\n1000,0.5,0\n2000,0.25,0\n"
+  Read r = ReadWith("time_ms,level,charging\n1000,0.5,0\n2000,0.29,0\n"
                     "3000,1,1\n");
   ASSERT_TRUE(r.ok) << r.error;
   ASSERT_EQ(r.log.samples.size(), 3u);
   EXPECT_EQ(r.log.samples[0].level_percent, 50);
-  EXPECT_EQ(r.log.samples[1].level_percent, 25);
+  EXPECT_EQ(r.log.samples[1].level_percent, 29);  // not 0.29 * 100
   EXPECT_EQ(r.log.samples[2].level_percent, 100);
   EXPECT_EQ(r.result.level_scale, LevelScale::kFraction);
   EXPECT_EQ(DescribeLogReading(r.result),
