@@ -1,8 +1,8 @@
 // Reading logs as they come from other loggers: a sensing framework's export
 // (seconds, Android status codes), a phone's power log (ISO-8601 times,
 // IsCharging), a home-automation export (last_changed,state with text
-// levels), fraction levels; the mapping file; sorting, merging and skipping;
-// and each bad case with its exact message. Every expected time was worked
+// levels), fraction levels; sorting, merging and skipping; and each bad case
+// with its exact message. Every expected time was worked
 // out by hand from the calendar (2024-01-01 is day 19723 after 1970-01-01,
 // 2025-01-01 day 20089).
 #include <gtest/gtest.h>
@@ -12,7 +12,6 @@
 
 #include "LogMapFile.h"
 #include "LogReader.h"
-#include "LogTimeCell.h"
 
 namespace kez_tools {
 namespace {
@@ -246,6 +245,25 @@ TEST(LogReaderShapes, FractionLevels) {
   EXPECT_EQ(r.error, "t.csv:2: level 101 % is outside 0..100");
 }
 
+TEST(LogReaderShapes, ChargingCodesAsTextAnyOtherMeaningNot) {
+  // A list without not_charging_codes: every other value means not charging.
+  Read r = ReadWith(
+      "time_ms,level_percent,state\n1000,50,Charging\n2000,51,FULL\n"
+      "3000,50,discharging\n4000,49,unplugged\n",
+      "charging = state\ncharging_codes = Charging, Full\n");
+  ASSERT_TRUE(r.ok) << r.error;
+  ASSERT_EQ(r.log.samples.size(), 4u);
+  EXPECT_EQ(r.log.samples[0].charging, 1);
+  EXPECT_EQ(r.log.samples[1].charging, 1);
+  EXPECT_EQ(r.log.samples[2].charging, 0);
+  EXPECT_EQ(r.log.samples[3].charging, 0);
+  // The level column's name says percent; 'state' is not taken for it.
+  EXPECT_EQ(DescribeLogReading(r.result),
+            "time = 'time_ms' (Unix ms; detected), level = 'level_percent' "
+            "(percent; detected), charging = 'state' (codes: charging "
+            "Charging|Full, not any other; given); 4 samples");
+}
+
 TEST(LogReaderShapes, TheToolsOwnLogsAndJournalCommentsArePlain) {
   Read r = ReadWith("# kez journal 1\ntime_ms,level_percent,charging,aux1\n"
                     "1000,50,0,21\n\n2000,49,0,21\n");
@@ -353,70 +371,6 @@ TEST(LogReaderShapes, SkippedRowsAreCountedByReason) {
   EXPECT_EQ(r.result.Skipped("time going backwards"), 1);
   EXPECT_EQ(r.result.skipped[1].first, "t.csv:4: 2 cells, but the header has 3");
   EXPECT_EQ(r.result.data_rows, 8);
-}
-
-TEST(LogMapFile, RejectsWhatItDoesNotUnderstand) {
-  struct Case {
-    std::string text, message;
-  } cases[] = {
-      {"time timestamp\n", "m:1: not a 'key = value' line: 'time timestamp'"},
-      {"# x\ntimezone = UTC\n", "m:2: unknown setting 'timezone'"},
-      {"time_unit = minutes\n",
-       "m:1: time_unit is ms, s or iso8601, not 'minutes'"},
-      {"level_scale = permille\n",
-       "m:1: level_scale is percent or fraction, not 'permille'"},
-      {"level = a\nlevel = b\n", "m:2: 'level' is set twice"},
-      {"time =\n", "m:1: time needs a column name"},
-      {"level = none\n", "m:1: only the charging column may be 'none'"},
-      {"charging_codes = 2,,5\n",
-       "m:1: charging_codes is boolean, android_status, android_plug or a "
-       "list of codes, not '2,,5'"},
-      {"charging_codes = android_plug\nnot_charging_codes = 3\n",
-       "m:2: not_charging_codes goes with a list of charging_codes, not with "
-       "the preset android_plug"},
-      {"duplicates = average\n",
-       "m:1: duplicates is keep, first or last, not 'average'"},
-  };
-  for (const Case& c : cases) {
-    LogReadOptions options;
-    std::istringstream in(c.text);
-    std::string error;
-    EXPECT_FALSE(ReadLogMap(in, "m", &options, &error)) << c.text;
-    EXPECT_EQ(error, c.message);
-  }
-  LogReadOptions options;
-  std::string error;
-  EXPECT_FALSE(LoadLogMapFile("/nonexistent/map.txt", &options, &error));
-  EXPECT_EQ(error.rfind("/nonexistent/map.txt: cannot open: ", 0), 0u);
-}
-
-TEST(LogTimeCell, SecondsAndIsoTimesExactly) {
-  int64_t t = -1;
-  EXPECT_TRUE(ParseUnixSecondsCell("0", &t));
-  EXPECT_EQ(t, 0);
-  EXPECT_TRUE(ParseUnixSecondsCell("1612130332.5", &t));
-  EXPECT_EQ(t, 1612130332500);
-  EXPECT_TRUE(ParseUnixSecondsCell("1612130332.0019", &t));  // rounded down
-  EXPECT_EQ(t, 1612130332001);
-  for (const char* bad : {"", "-1", "1e9", "1.", ".5", "12 ", "0x10"}) {
-    EXPECT_FALSE(ParseUnixSecondsCell(bad, &t)) << bad;
-  }
-  // 1970-01-01T00:00Z, and the same moment elsewhere.
-  EXPECT_TRUE(ParseIsoTimeCell("1970-01-01T00:00Z", &t));
-  EXPECT_EQ(t, 0);
-  EXPECT_TRUE(ParseIsoTimeCell("1970-01-01T05:30:00+05:30", &t));
-  EXPECT_EQ(t, 0);
-  EXPECT_TRUE(ParseIsoTimeCell("1969-12-31 19:00:00.25 -0500", &t));
-  EXPECT_EQ(t, 250);
-  // 2024-02-29 is day 19723 + 59.
-  EXPECT_TRUE(ParseIsoTimeCell("2024-02-29T12:00:00+00", &t));
-  EXPECT_EQ(t, (int64_t{19782} * 86400 + 43200) * 1000);
-  for (const char* bad :
-       {"2024-02-29T12:00:00", "2023-02-29T12:00Z", "2024-13-01T00:00Z",
-        "2024-01-01T24:00Z", "2024-01-01", "1969-12-31T23:59Z",
-        "2024-01-01T00:00Zulu", "2024-1-01T00:00Z", "2024-01-01T00:00+5"}) {
-    EXPECT_FALSE(ParseIsoTimeCell(bad, &t)) << bad;
-  }
 }
 
 }  // namespace
