@@ -16,12 +16,12 @@
 #include <string>
 #include <vector>
 
+#include "CommonOptions.h"
+#include "LogWriter.h"
 #include "TableCommandLine.h"
 #include "TableLoader.h"
 #include "TableOperations.h"
 #include "TableSummary.h"
-#include "CommonOptions.h"
-#include "LogWriter.h"
 #include "table/VelqaTimeSeriesDataTable.h"
 
 namespace {
