@@ -108,6 +108,89 @@ KEZ_EXPORT int kez_forecast_find(const stMobilePowerPredictionData* records,
  * handle. Meant for tools that explain a forecast. */
 KEZ_EXPORT int kez_similar_moments(kez_handle handle, int count);
 
+
+/* ---- The adaptive forecaster ----
+ *
+ * A forecaster beside one instance that learns, for this user and per
+ * horizon, how far to trust each way of forecasting: the instance's own
+ * forecast, persistence, the running-rate extrapolation, the same hours
+ * yesterday and last week, the user's charging habit (chance of charging)
+ * and charge curve ("plugged in now"). Every whole hour of reports it
+ * records what each method forecast 1, 2, 4, 8, 12 and 24 hours ahead,
+ * scores those forecasts once their outcomes are reported, and weighs the
+ * methods by their recent errors (before it has scored enough, by errors
+ * tuned offline on simulated users). A forecast uses nothing reported after
+ * it; the same reports always give the same forecasts. About 50 KB more
+ * than an instance; reports allocate nothing of their own. */
+
+/* Opaque handle of an adaptive forecaster. */
+typedef struct kez_adaptive kez_adaptive;
+
+enum {
+  KEZ_VARIANT_FREE = 0,        /* the free forecast */
+  KEZ_VARIANT_NOT_CHARGED = 1, /* not charged during the next day */
+  KEZ_VARIANT_PLUGGED_IN = 2   /* plugged in now, for the next day */
+};
+
+/* Creates an adaptive forecaster with its own instance (built-in model,
+ * empty memory). NULL when out of memory. */
+KEZ_EXPORT kez_adaptive* kez_adaptive_init(void);
+
+/* Reports one status sample, with the values and meaning of
+ * kez_addStatusValue, and feeds it to the instance inside. Returns 1 when
+ * taken; 0 when refused: a value that is not finite, or a sample up to an
+ * hour older than the last one (a sample more than an hour older is taken
+ * as the clock jumping back: the recent history is forgotten, what was
+ * learned about the methods is kept); -1 for a null handle. */
+KEZ_EXPORT int kez_adaptive_report(kez_adaptive* a, uint64_t timeMs,
+                                   float levelPercent, float charging,
+                                   float aux1, float aux2, float aux3,
+                                   double countA, double countB1,
+                                   double countB2);
+
+/* The adaptive forecast of `variant` (KEZ_VARIANT_*): `count` steps into
+ * `out`, step k (k + 1) x 10 minutes after the last report, as for
+ * kez_predict; element 0's distance is the instance's. Before the first
+ * report it is the instance's forecast. Returns 1 when done, 0 when nothing
+ * was done (an unknown variant, a null `out` with count >= 1, no memory),
+ * -1 for a null handle. A count below 1 writes nothing. */
+KEZ_EXPORT int kez_adaptive_predict(kez_adaptive* a, int variant, int count,
+                                    stMobilePowerPredictionData* out);
+
+/* The instance's own forecast of `variant`, exactly as kez_predict,
+ * kez_predict_without_charging and kez_predict_at_charging_starting give it
+ * for the same reports. Returns as kez_adaptive_predict. */
+KEZ_EXPORT int kez_adaptive_predict_raw(kez_adaptive* a, int variant,
+                                        int count,
+                                        stMobilePowerPredictionData* out);
+
+/* Number of methods the adaptive forecaster knows (the indices of
+ * kez_adaptive_weights). */
+KEZ_EXPORT int kez_adaptive_method_count(void);
+
+/* Writes the name of method `method` ("instance", "persistence",
+ * "running_rates", "yesterday", "last_week", "charging_habit",
+ * "charge_curve") into `buffer` like kez_get_version and returns its full
+ * length; -1 for an unknown method. */
+KEZ_EXPORT int kez_adaptive_method_name(int method, char* buffer, int size);
+
+/* The weights with which the forecast of `variant` made now would combine
+ * the methods at step `step`: `what` 0 for the level, 1 for the chance of
+ * charging (free forecast only). Writes min(count, method count) weights
+ * (each 0 to 1, together 1; 0 for a method not used) into `weights` and
+ * returns how many; 0 for an unknown variant or `what`, -1 for a null
+ * handle. */
+KEZ_EXPORT int kez_adaptive_weights(kez_adaptive* a, int variant, int what,
+                                    int step, double* weights, int count);
+
+/* How many forecasts of `variant` have been scored at 1 hour so far (until
+ * a few dozen, the offline prior weighs more than the user's own record).
+ * -1 for a null handle, 0 for an unknown variant. */
+KEZ_EXPORT long kez_adaptive_scored(kez_adaptive* a, int variant);
+
+/* Destroys the adaptive forecaster and its instance. NULL is ignored. */
+KEZ_EXPORT void kez_adaptive_stop(kez_adaptive* a);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif
