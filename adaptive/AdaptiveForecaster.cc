@@ -111,7 +111,7 @@ void AdaptiveForecaster::Score(const HostReport& now, double level,
       const double truth = lastLevel_ + (level - lastLevel_) * share;
       const double truthCharging =
           (target == now.timeMs ? charging : lastCharging_) ? 1.0 : 0.0;
-      const int start = p.startCharging ? 1 : 0;
+      const int start = Situation(p.startMs, p.startCharging);
       for (int v = 0; v < kVariantCount; ++v) {
         if (p.recorded[v] == 0) continue;
         if (v == kNotCharged && (p.startCharging || p.chargingSeen)) continue;
@@ -132,6 +132,16 @@ void AdaptiveForecaster::Score(const HostReport& now, double level,
     }
     if (p.done == all) p.active = false;
   }
+}
+
+int AdaptiveForecaster::Situation(uint64_t timeMs, bool charging) const {
+  int parts = settings_.dayParts;
+  if (parts < 1) parts = 1;
+  if (parts > kDayParts) parts = kDayParts;
+  const uint64_t msOfDay = timeMs % (24 * kHourMs);
+  const int part = static_cast<int>(msOfDay * static_cast<uint64_t>(parts) /
+                                    (24 * kHourMs));
+  return (charging ? 1 : 0) + 2 * part;
 }
 
 PresentState AdaptiveForecaster::Present() const {
@@ -243,7 +253,7 @@ int AdaptiveForecaster::Predict(int variant, int count,
                                          HoldSteps(variant));
   MethodPaths paths;
   paths.Start(variant, Present(), history_, curve_, out, rates);
-  const int start = lastCharging_ ? 1 : 0;
+  const int start = Situation(lastMs_, lastCharging_);
   double levelWeights[kAnchorCount][kMethodCount];
   double chargingWeights[kAnchorCount][kMethodCount];
   AnchorWeights(variant, start, paths.available(), levelWeights);
@@ -281,7 +291,8 @@ void AdaptiveForecaster::LevelWeights(int variant, int k,
   MethodPaths paths;
   paths.Start(variant, Present(), history_, curve_, nullptr, nullptr);
   double anchor[kAnchorCount][kMethodCount];
-  AnchorWeights(variant, lastCharging_ ? 1 : 0, paths.available(), anchor);
+  AnchorWeights(variant, Situation(lastMs_, lastCharging_), paths.available(),
+                anchor);
   WeightsAt(anchor, k < 0 ? 0 : k, weights);
 }
 
@@ -289,7 +300,8 @@ void AdaptiveForecaster::ChargingWeights(int k, double* weights) const {
   MethodPaths paths;
   paths.Start(kFree, Present(), history_, curve_, nullptr, nullptr);
   double anchor[kAnchorCount][kMethodCount];
-  AnchorChargingWeights(lastCharging_ ? 1 : 0, paths.available(), anchor);
+  AnchorChargingWeights(Situation(lastMs_, lastCharging_), paths.available(),
+                        anchor);
   WeightsAt(anchor, k < 0 ? 0 : k, weights);
 }
 

@@ -27,7 +27,7 @@ namespace adaptive {
 constexpr double kErrorFloor = 0.001;
 
 struct CombinationSettings {
-  double power = 2.0;
+  double power = 8.0;
   double priorWeight = 24.0;
 };
 

@@ -1,6 +1,6 @@
 // ForecastScorebook: how wrong each method has been for this user, per
-// forecast variant, anchor horizon and charging state at the forecast's
-// start, as exponentially forgetting sums.
+// forecast variant, anchor horizon and situation at the forecast's start
+// (charging or not, part of the day), as exponentially forgetting sums.
 //
 // Level errors are absolute differences of fractions (0.05 = 5 percentage
 // points); charging errors are squared differences of a chance and the
@@ -18,8 +18,11 @@
 namespace kez {
 namespace adaptive {
 
-// The state a forecast starts from: not charging (0) or charging (1).
-constexpr int kStartStates = 2;
+// The situation a forecast starts from: charging or not, and the part of
+// the day (in Unix time, so a user's parts are always the same hours of
+// their day): situation = charging + 2 x part, with at most kDayParts parts.
+constexpr int kDayParts = 4;
+constexpr int kStartStates = 2 * kDayParts;
 
 struct ErrorCell {
   double sum = 0.0;

@@ -1,7 +1,9 @@
 // PriorErrors: the errors the adaptive forecaster assumes for each method
-// before it has scored any of its own (the cold start), per variant, start
-// state and anchor horizon. Where they come from is stated in
-// PriorErrors.cc.
+// before it has scored any of its own (the cold start), per variant,
+// situation and anchor horizon. They depend on the charging state at the
+// start only (situation % 2): the parts of the day are in Unix time, which
+// is a different time of day for every time zone. Where they come from is
+// stated in PriorErrors.cc.
 #ifndef KEZ_ADAPTIVE_PRIORERRORS_H_
 #define KEZ_ADAPTIVE_PRIORERRORS_H_
 
