@@ -1,7 +1,8 @@
 /*
  * The public header as a C99 host uses it, linked against libkez.so: create
  * an instance, report a week of samples, forecast in all three variants,
- * stop. Exits non-zero at the first failed check.
+ * stop; the same with an adaptive forecaster. Exits non-zero when a check
+ * failed.
  */
 #include <stdint.h>
 #include <stdio.h>
@@ -45,6 +46,61 @@ static int in_range(const stMobilePowerPredictionData* out, int count) {
     if (k > 0 && out[k].distance != 0.0) return 0;
   }
   return 1;
+}
+
+/* The adaptive forecaster through the same header: eight days of the
+ * routine, the three variants, the instance's own forecast and the weights. */
+static void check_adaptive(void) {
+  stMobilePowerPredictionData out[STEPS];
+  double weights[16];
+  char name[32];
+  kez_adaptive* a;
+  uint64_t start = 1700000000000ULL - (1700000000000ULL % DAY_MS);
+  uint64_t t;
+  int variant, n, m;
+  double sum;
+
+  CHECK(kez_adaptive_report(NULL, start, 50.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0,
+                            0.0, 0.0) == -1);
+  CHECK(kez_adaptive_predict(NULL, KEZ_VARIANT_FREE, STEPS, out) == -1);
+  CHECK(kez_adaptive_predict_raw(NULL, KEZ_VARIANT_FREE, STEPS, out) == -1);
+  CHECK(kez_adaptive_weights(NULL, KEZ_VARIANT_FREE, 0, 0, weights, 16) == -1);
+  CHECK(kez_adaptive_scored(NULL, KEZ_VARIANT_FREE) == -1);
+  kez_adaptive_stop(NULL);
+
+  a = kez_adaptive_init();
+  CHECK(a != NULL);
+  if (a == NULL) return;
+  for (t = start; t < start + 8 * DAY_MS; t += 300000ULL) {
+    float level, charging;
+    routine(t, &level, &charging);
+    CHECK(kez_adaptive_report(a, t, level, charging, 0.0f, 0.0f, 0.0f, 0.0,
+                              0.0, 0.0) == 1);
+  }
+  CHECK(kez_adaptive_report(a, t, 0.0f / 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0,
+                            0.0, 0.0) == 0);
+  CHECK(kez_adaptive_scored(a, KEZ_VARIANT_FREE) > 100);
+  for (variant = KEZ_VARIANT_FREE; variant <= KEZ_VARIANT_PLUGGED_IN;
+       ++variant) {
+    CHECK(kez_adaptive_predict(a, variant, STEPS, out) == 1);
+    CHECK(in_range(out, STEPS));
+    CHECK(kez_adaptive_predict_raw(a, variant, STEPS, out) == 1);
+    CHECK(in_range(out, STEPS));
+    n = kez_adaptive_weights(a, variant, 0, 30, weights, 16);
+    CHECK(n == kez_adaptive_method_count());
+    sum = 0.0;
+    for (m = 0; m < n; ++m) sum += weights[m];
+    CHECK(sum > 0.999999 && sum < 1.000001);
+  }
+  CHECK(kez_adaptive_predict(a, 3, STEPS, out) == 0);
+  CHECK(kez_adaptive_weights(a, KEZ_VARIANT_FREE, 1, 30, weights, 16) ==
+        kez_adaptive_method_count());
+  CHECK(kez_adaptive_weights(a, KEZ_VARIANT_NOT_CHARGED, 1, 30, weights,
+                             16) == 0);
+  CHECK(kez_adaptive_method_name(0, name, (int)sizeof name) == 8);
+  CHECK(strcmp(name, "instance") == 0);
+  CHECK(kez_adaptive_method_name(-1, name, (int)sizeof name) == -1);
+  kez_adaptive_stop(a);
 }
 
 int main(void) {
@@ -114,6 +170,8 @@ int main(void) {
   for (k = 0; k < STEPS; ++k) CHECK(out[k].charging == 1.0);
 
   kez_stop(handle);
+
+  check_adaptive();
 
   if (failures != 0) {
     fprintf(stderr, "%d checks failed\n", failures);
