@@ -271,7 +271,19 @@ int AdaptiveForecaster::Predict(int variant, int count,
     for (int m = 0; m < kMethodCount; ++m) {
       if (w[m] != 0.0) sum += w[m] * level[m];
     }
-    out[k].level = sum < 0.0 ? 0.0 : sum > 1.0 ? 1.0 : sum;
+    double combined = sum < 0.0 ? 0.0 : sum > 1.0 ? 1.0 : sum;
+    // While the variant holds the charging state, the weights moving
+    // between anchors must not make an unplugged phone gain charge or a
+    // plugged one lose it.
+    if (k > 0 && k < HoldSteps(variant)) {
+      if (variant == kNotCharged && combined > out[k - 1].level) {
+        combined = out[k - 1].level;
+      }
+      if (variant == kPluggedIn && combined < out[k - 1].level) {
+        combined = out[k - 1].level;
+      }
+    }
+    out[k].level = combined;
     if (variant == kFree) {
       WeightsAt(chargingWeights, k, w);
       double chance = 0.0;

@@ -13,7 +13,9 @@
 // day (Unix time) it starts in. A forecast of the same situation combines the methods step by step with weights from those scored
 // errors (CombinationRule), shrunk towards prior errors tuned offline
 // (PriorErrors), interpolated between the anchors; the chance of charging of
-// the free forecast is combined the same way by Brier score.
+// the free forecast is combined the same way by Brier score. During the
+// day for which a variant holds the charging state, its level never rises
+// ("not charged") or never falls ("plugged in now") from step to step.
 //
 // No leak from the future: everything a forecast uses was reported before
 // it, and scoring uses only outcomes already reported. Deterministic: the

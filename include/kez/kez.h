@@ -148,6 +148,11 @@ KEZ_EXPORT int kez_adaptive_report(kez_adaptive* a, uint64_t timeMs,
                                    double countA, double countB1,
                                    double countB2);
 
+/* Reports one status sample given as a line of the host's status log (the
+ * line of kez_addStatusValues), through kez_adaptive_report. Returns as
+ * kez_adaptive_report; 0 for a null line. */
+KEZ_EXPORT int kez_adaptive_report_line(kez_adaptive* a, const char* line);
+
 /* The adaptive forecast of `variant` (KEZ_VARIANT_*): `count` steps into
  * `out`, step k (k + 1) x 10 minutes after the last report, as for
  * kez_predict; element 0's distance is the instance's. Before the first

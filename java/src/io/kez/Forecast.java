@@ -2,7 +2,11 @@ package io.kez;
 
 import java.time.Duration;
 import java.util.AbstractList;
+import java.util.Arrays;
+import java.util.Collections;
+import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Map;
 import java.util.Optional;
 
 /**
@@ -61,16 +65,32 @@ public final class Forecast {
     }
   }
 
+  private static final String[] NO_METHODS = new String[0];
+  private static final double[] NO_WEIGHTS = new double[0];
+
   private final Variant variant;
   private final float[] levels;
   private final float[] charging;
   private final float distance;
+  private final String[] methods;
+  private final double[] levelWeights;     // per step, methods.length each
+  private final double[] chargingWeights;  // the same, free adaptive forecasts only
 
+  /** A forecast of the built-in model alone (no weights). */
   Forecast(Variant variant, float[] levels, float[] charging, float distance) {
+    this(variant, levels, charging, distance, NO_METHODS, NO_WEIGHTS, NO_WEIGHTS);
+  }
+
+  /** An adaptive forecast with the weights it was combined with. */
+  Forecast(Variant variant, float[] levels, float[] charging, float distance, String[] methods,
+      double[] levelWeights, double[] chargingWeights) {
     this.variant = variant;
     this.levels = levels;
     this.charging = charging;
     this.distance = distance;
+    this.methods = methods;
+    this.levelWeights = levelWeights;
+    this.chargingWeights = chargingWeights;
   }
 
   /** Minutes after the last reported sample at which step {@code step} stands. */
@@ -171,8 +191,57 @@ public final class Forecast {
     return timeUntil(StepQuery.CHARGING_AT_OR_ABOVE, 0.5);
   }
 
+  /**
+   * True when the forecast was combined by the adaptive forecaster ({@link Forecaster#forecast});
+   * false for the built-in model's own ({@link Forecaster#forecastRaw}).
+   */
+  public boolean isAdaptive() {
+    return methods.length > 0;
+  }
+
+  /**
+   * The ways of forecasting the adaptive forecaster weighs, by name: "instance" (the built-in
+   * model), "persistence", "running_rates", "yesterday", "last_week", "charging_habit",
+   * "charge_curve". Empty for a forecast of the built-in model alone.
+   */
+  public List<String> methods() {
+    return Collections.unmodifiableList(Arrays.asList(methods));
+  }
+
+  /**
+   * The weights with which the level of step {@code step} was combined, by method (0 to 1,
+   * together 1; methods that did not take part are left out). Empty when the forecast is not
+   * adaptive.
+   */
+  public Map<String, Double> levelWeights(int step) {
+    return weights(levelWeights, step);
+  }
+
+  /**
+   * The weights with which the chance of charging of step {@code step} was combined, as {@link
+   * #levelWeights}; only a free adaptive forecast combines it (the other variants force it for
+   * a day), otherwise empty.
+   */
+  public Map<String, Double> chargingWeights(int step) {
+    return weights(chargingWeights, step);
+  }
+
+  private Map<String, Double> weights(double[] all, int step) {
+    if (step < 0 || step >= levels.length) {
+      throw new IndexOutOfBoundsException("step " + step + " of " + levels.length);
+    }
+    Map<String, Double> out = new LinkedHashMap<>();
+    int base = step * methods.length;
+    if (base + methods.length > all.length) return out;
+    for (int m = 0; m < methods.length; m++) {
+      if (all[base + m] > 0.0) out.put(methods[m], all[base + m]);
+    }
+    return Collections.unmodifiableMap(out);
+  }
+
   @Override
   public String toString() {
-    return "Forecast[" + variant + ", " + levels.length + " steps, distance " + distance + "]";
+    return "Forecast[" + variant + (isAdaptive() ? ", adaptive" : "") + ", " + levels.length
+        + " steps, distance " + distance + "]";
   }
 }

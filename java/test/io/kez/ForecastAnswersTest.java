@@ -121,7 +121,7 @@ public class ForecastAnswersTest {
         if (++row % SyntheticLog.REPORTS_PER_DAY != 0) continue;
         ReferenceDump.Checkpoint cp = c.checkpoints.get(checkpoint++);
         for (Variant v : Variant.values()) {
-          Forecast forecast = f.forecast(v);
+          Forecast forecast = f.forecastRaw(v);
           assertSameAnswers("row " + row + " " + v, forecast,
               cp.variants.get(v.mode()).finds);
           sawFull |= forecast.timeUntilFull().isPresent();
