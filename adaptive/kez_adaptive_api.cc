@@ -1,15 +1,13 @@
 // The exported C functions of the adaptive forecaster: thin, exception-proof
 // wrappers around kez::adaptive::AdaptiveForecaster. Every function catches
 // everything; a failure inside ends as the function's "nothing done" result.
-#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <new>
 
 #include "adaptive/AdaptiveForecaster.h"
 #include "adaptive/ForecastMethod.h"
-#include "interface/HostTime.h"
-#include "interface/StatusLine.h"
+#include "adaptive/HostReportLine.h"
 #include "kez/kez.h"
 
 // The opaque handle is the forecaster itself.
@@ -52,22 +50,8 @@ int kez_adaptive_report_line(kez_adaptive* a, const char* line) {
   if (a == nullptr) return -1;
   if (line == nullptr) return 0;
   try {
-    const kez::StatusLine s = kez::StatusLine::Parse(line);
-    // The line's time in days back to whole milliseconds (exact for any
-    // time a phone reports: the division is undone to well within 1 ms),
-    // its level fraction back to percent.
-    const double ms = std::round(s.days * kez::kMillisecondsPerDay);
-    if (!(ms >= 0.0) || !(ms < 18446744073709551616.0)) return 0;
     kez::adaptive::HostReport r;
-    r.timeMs = static_cast<uint64_t>(ms);
-    r.levelPercent = static_cast<float>(static_cast<double>(s.level) * 100.0);
-    r.charging = s.charging;
-    r.aux1 = s.aux1;
-    r.aux2 = s.aux2;
-    r.aux3 = s.aux3;
-    r.countA = s.countA;
-    r.countB1 = s.countB1;
-    r.countB2 = s.countB2;
+    if (!kez::adaptive::HostReportFromLine(line, &r)) return 0;
     return a->forecaster.Report(r);
   } catch (...) {
     return 0;
