@@ -30,6 +30,10 @@ struct EvalOptions {
   // The model to judge; null: the built-in default model.
   const vorn::MobilePowerPredictorParameter* parameter = nullptr;
   double low_percent = 20;
+  // Evaluate the adaptive forecast too (it replays the log into an
+  // adaptive forecaster beside the instance; the tuner, which judges the
+  // instance's model alone, turns it off).
+  bool adaptive = true;
   // Called after each forecast point with (points done, points planned).
   std::function<void(size_t, size_t)> progress;
 };

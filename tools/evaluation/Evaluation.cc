@@ -17,13 +17,15 @@ namespace kez_tools {
 
 const char* MethodName(int method) {
   static const char* const kNames[kMethodCount] = {
-      "forecaster", "persistence", "running_rates", "yesterday", "last_week"};
+      "forecaster",    "adaptive",  "persistence",
+      "running_rates", "yesterday", "last_week"};
   return kNames[method];
 }
 
 const char* MethodTitle(int method) {
   static const char* const kTitles[kMethodCount] = {
-      "forecaster", "persistence", "running rates", "yesterday", "last week"};
+      "forecaster",    "adaptive",  "persistence",
+      "running rates", "yesterday", "last week"};
   return kTitles[method];
 }
 
@@ -200,6 +202,7 @@ bool EvaluateLog(const Log& log, const EvalOptions& o, LogEvaluation* result,
 
   LogTruth truth(log, silence);
   KezSession session;
+  if (o.adaptive) session.EnableAdaptive();
   if (o.parameter != nullptr && !session.UseModel(*o.parameter)) {
     *error = "the forecaster has no instance";
     return false;
@@ -228,6 +231,18 @@ bool EvaluateLog(const Log& log, const EvalOptions& o, LogEvaluation* result,
                                               : kNoCharge;
       paths.method[c][kForecaster] =
           FromRecords(paths.forecast.records[variant]);
+      if (session.adaptive() != nullptr) {
+        std::vector<stMobilePowerPredictionData> records(
+            static_cast<size_t>(steps));
+        if (session.adaptive()->Predict(
+                c == kFreeForecast ? kez::adaptive::kFree
+                                   : kez::adaptive::kNotCharged,
+                steps, records.data()) != 1) {
+          *error = "the adaptive forecaster could not forecast";
+          return false;
+        }
+        paths.method[c][kAdaptive] = FromRecords(records);
+      }
       paths.method[c][kPersistence] =
           PersistencePath(level_now, charging_now, steps);
       paths.method[c][kRunningRates] =
@@ -270,6 +285,7 @@ bool EvaluateLog(const Log& log, const EvalOptions& o, LogEvaluation* result,
       if (learned) ++hr.learned;
       for (int m = 0; m < kMethodCount; ++m) {
         const Path& p = paths.method[kFreeForecast][m];
+        if (p.level.empty()) continue;  // a method not evaluated
         hr.level[kFreeForecast][m].Add(std::fabs(p.level[k] - level));
         hr.charging[m].Add(p.charging[k], charging);
       }
@@ -283,6 +299,7 @@ bool EvaluateLog(const Log& log, const EvalOptions& o, LogEvaluation* result,
       } else {
         for (int m = 0; m < kMethodCount; ++m) {
           const Path& p = paths.method[kNotCharged][m];
+          if (p.level.empty()) continue;
           hr.level[kNotCharged][m].Add(std::fabs(p.level[k] - level));
         }
       }
@@ -299,6 +316,7 @@ bool EvaluateLog(const Log& log, const EvalOptions& o, LogEvaluation* result,
           static_cast<double>(low - start) / kMinuteMs;
       for (int c = 0; c < kConditionCount; ++c) {
         for (int m = 0; m < kMethodCount; ++m) {
+          if (paths.method[c][m].level.empty()) continue;
           int k = FirstLowStep(paths.method[c][m].level, o.low_percent);
           if (k < 0) {
             ++r.low.misses[c][m];

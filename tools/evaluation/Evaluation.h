@@ -6,7 +6,9 @@
 // policy, as a host reports. At each forecast point (ForecastPoints.h: a
 // regular grid after the warm-up) the instance forecasts the free and the "not charged" variant over the
 // longest horizon, and the baselines (Baselines.h) forecast from the same
-// moment. Each forecast starts at the instance's last report; the level at a
+// moment; so does the adaptive forecaster, fed the same reports (unless
+// the options turn it off: then its statistics stay empty). Each forecast
+// starts at the instance's last report; the level at a
 // horizon h is compared with the log's level at start + h (LogTruth.h:
 // linear between samples), the chance of charging with the charging state
 // logged then.
@@ -49,15 +51,18 @@ namespace kez_tools {
 
 enum Method {
   kForecaster = 0,
+  kAdaptive,  // the adaptive forecaster (adaptive/AdaptiveForecaster.h)
   kPersistence,
   kRunningRates,
   kYesterday,
   kLastWeek,
   kMethodCount
 };
-// "forecaster", "persistence", "running_rates", "yesterday", "last_week"
+// "forecaster", "adaptive", "persistence", "running_rates", "yesterday",
+// "last_week"
 const char* MethodName(int method);
-// "forecaster", "persistence", "running rates", "yesterday", "last week"
+// "forecaster", "adaptive", "persistence", "running rates", "yesterday",
+// "last week"
 const char* MethodTitle(int method);
 
 enum Condition { kFreeForecast = 0, kNotCharged, kConditionCount };

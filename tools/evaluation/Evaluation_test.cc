@@ -109,6 +109,28 @@ TEST(Evaluation, ConstantDischargeIsJudgedExactly) {
   EXPECT_NE(Text(r, o).find("never shows charging"), std::string::npos);
 }
 
+TEST(Evaluation, TheAdaptiveForecastIsJudgedOnTheSamePairsOrNotAtAll) {
+  const Log log = ConstantDischarge(6, 10);
+  EvalOptions o = SmallOptions(1, 6);
+  const LogEvaluation with = Evaluate(log, o);
+  o.adaptive = false;
+  const LogEvaluation without = Evaluate(log, o);
+  for (size_t i = 0; i < with.horizons.size(); ++i) {
+    const HorizonResult& h = with.horizons[i];
+    for (int c = 0; c < kConditionCount; ++c) {
+      EXPECT_EQ(h.level[c][kAdaptive].count(), h.level[c][kForecaster].count());
+      EXPECT_EQ(without.horizons[i].level[c][kAdaptive].count(), 0u);
+      // The other methods do not depend on it.
+      EXPECT_EQ(without.horizons[i].level[c][kForecaster].Mean(),
+                h.level[c][kForecaster].Mean());
+    }
+    // A steady discharge: what the adaptive forecast combines is never
+    // further off than persistence, the worst of its methods here.
+    EXPECT_LE(h.level[kFreeForecast][kAdaptive].Mean(),
+              h.level[kFreeForecast][kPersistence].Mean());
+  }
+}
+
 TEST(Evaluation, UnlearnedForecastIsTheRunningRateBaseline) {
   // Samples 20 minutes apart, replayed as logged: every other step is a
   // gap, so no past moment is followed by a gap-free stretch and the

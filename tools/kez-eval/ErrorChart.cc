@@ -11,9 +11,10 @@ namespace kez_tools {
 namespace {
 
 
-const char* const kColors[kMethodCount] = {"#1f5fbf", "#6b6b6b", "#d9731a",
-                                           "#2e9e44", "#8e44ad"};
-const char* const kDashes[kMethodCount] = {"", "6 4", "", "2 3", "8 3 2 3"};
+const char* const kColors[kMethodCount] = {"#1f5fbf", "#c0392b", "#6b6b6b",
+                                           "#d9731a", "#2e9e44", "#8e44ad"};
+const char* const kDashes[kMethodCount] = {"", "", "6 4", "", "2 3",
+                                           "8 3 2 3"};
 
 std::string Label(double v) {
   char b[32];
@@ -73,7 +74,7 @@ void WriteErrorChart(std::ostream& out, const LogEvaluation& r,
   for (int m = 0; m < kMethodCount; ++m) {
     out << "<line x1=\"" << lx << "\" y1=\"76\" x2=\"" << lx + 30
         << "\" y2=\"76\" stroke=\"" << kColors[m] << "\" stroke-width=\""
-        << (m == kForecaster ? 3.5 : 2) << "\"";
+        << (m == kForecaster || m == kAdaptive ? 3.5 : 2) << "\"";
     if (kDashes[m][0] != '\0') {
       out << " stroke-dasharray=\"" << kDashes[m] << "\"";
     }
@@ -125,7 +126,7 @@ void WriteErrorChart(std::ostream& out, const LogEvaluation& r,
       auto flush = [&]() {
         if (points.empty()) return;
         out << "<polyline fill=\"none\" stroke=\"" << kColors[m]
-            << "\" stroke-width=\"" << (m == kForecaster ? 3.5 : 2) << "\"";
+            << "\" stroke-width=\"" << (m == kForecaster || m == kAdaptive ? 3.5 : 2) << "\"";
         if (kDashes[m][0] != '\0') {
           out << " stroke-dasharray=\"" << kDashes[m] << "\"";
         }

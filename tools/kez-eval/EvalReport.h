@@ -41,7 +41,9 @@ void WriteReportJson(std::ostream& out, const ReportHeader& header,
                      const LogEvaluation* combined);
 
 // The sentences of the verdict: per metric, at which horizons a baseline
-// beats the forecaster (used by the text report, kept apart for tests).
+// beats the forecaster, then at which horizons another method (the
+// forecaster or a baseline) beats the adaptive forecast (used by the text
+// report, kept apart for tests).
 std::vector<std::string> Verdict(const LogEvaluation& result);
 
 }  // namespace kez_tools

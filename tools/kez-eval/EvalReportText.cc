@@ -38,16 +38,6 @@ int Best(const double (&values)[kMethodCount]) {
   return best;
 }
 
-// Best baseline (not the forecaster), or -1.
-int BestBaseline(const double (&values)[kMethodCount]) {
-  int best = -1;
-  for (int m = kPersistence; m < kMethodCount; ++m) {
-    if (std::isnan(values[m])) continue;
-    if (best < 0 || values[m] < values[best]) best = m;
-  }
-  return best;
-}
-
 std::string MethodHeader() {
   std::string s;
   for (int m = 0; m < kMethodCount; ++m) {
@@ -210,7 +200,7 @@ void WriteSection(std::ostream& out, const ReportHeader& header,
     out << "(* marks the best of a row.)\n";
     std::vector<std::string> verdict = Verdict(r);
     if (!verdict.empty()) {
-      out << "Against the baselines:\n";
+      out << "Against the baselines and each other:\n";
       for (const std::string& v : verdict) out << "  " << v << "\n";
     }
   }
@@ -221,19 +211,22 @@ void WriteSection(std::ostream& out, const ReportHeader& header,
   out << "\n";
 }
 
-std::string VerdictLine(const std::string& what,
+// `subject` is "the forecaster" or "the adaptive forecast", `rivals` what
+// it is measured against ("the best baseline", "the best other method").
+std::string VerdictLine(const std::string& what, const std::string& subject,
+                        const std::string& rival,
                         const std::vector<std::string>& beaten, size_t wins,
                         size_t ties, size_t total) {
   if (total == 0) return "";
   if (wins == total) {
-    return what + ": the forecaster is best at every horizon (" +
+    return what + ": " + subject + " is best at every horizon (" +
            std::to_string(total) + ").";
   }
-  std::string s = what + ": the forecaster is best at " +
+  std::string s = what + ": " + subject + " is best at " +
                   std::to_string(wins) + " of " + std::to_string(total) +
                   " horizons";
   if (ties > 0) {
-    s += ", level with the best baseline at " + std::to_string(ties);
+    s += ", level with " + rival + " at " + std::to_string(ties);
   }
   if (beaten.empty()) return s + ".";
   s += "; beaten at ";
@@ -256,52 +249,77 @@ std::vector<std::string> Verdict(const LogEvaluation& r) {
   const Metric metrics[] = {{"Level, free forecast", kFreeForecast, 2},
                             {"Level, not charged", kNotCharged, 2},
                             {"Chance of charging", -1, 3}};
-  for (const Metric& metric : metrics) {
-    std::vector<std::string> beaten;
-    size_t wins = 0, ties = 0, total = 0;
-    for (const HorizonResult& h : r.horizons) {
-      double values[kMethodCount];
-      for (int m = 0; m < kMethodCount; ++m) {
-        values[m] = metric.condition < 0 ? h.charging[m].Brier()
-                                         : h.level[metric.condition][m].Mean();
-      }
-      if (std::isnan(values[kForecaster])) continue;
-      ++total;
-      int best = BestBaseline(values);
-      if (best < 0 || values[kForecaster] < values[best]) {
-        ++wins;
-      } else if (values[kForecaster] == values[best]) {
-        ++ties;
-      } else {
-        beaten.push_back(Hours(h.horizon_ms) + " (" + MethodTitle(best) +
-                         " " + Fixed(values[best], metric.digits) +
-                         " against " +
-                         Fixed(values[kForecaster], metric.digits) + ")");
-      }
+  // The forecaster against the baselines, then the adaptive forecast
+  // against every other method (the forecaster included).
+  struct Subject {
+    int method;
+    const char* name;
+    const char* rival;
+  };
+  const Subject subjects[] = {
+      {kForecaster, "the forecaster", "the best baseline"},
+      {kAdaptive, "the adaptive forecast", "the best other method"}};
+  auto best_rival = [](const double (&values)[kMethodCount], int subject) {
+    int best = -1;
+    for (int m = 0; m < kMethodCount; ++m) {
+      if (m == subject || std::isnan(values[m])) continue;
+      if (subject == kForecaster && m == kAdaptive) continue;
+      if (best < 0 || values[m] < values[best]) best = m;
     }
-    std::string line = VerdictLine(metric.what, beaten, wins, ties, total);
-    if (!line.empty()) lines.push_back(line);
-  }
-  if (r.low.events > 0) {
-    for (int c = 0; c < kConditionCount; ++c) {
-      double values[kMethodCount];
-      for (int m = 0; m < kMethodCount; ++m) {
-        values[m] = r.low.minutes[c][m].Mean();
+    return best;
+  };
+  for (const Subject& subject : subjects) {
+    const int me = subject.method;
+    for (const Metric& metric : metrics) {
+      std::vector<std::string> beaten;
+      size_t wins = 0, ties = 0, total = 0;
+      for (const HorizonResult& h : r.horizons) {
+        double values[kMethodCount];
+        for (int m = 0; m < kMethodCount; ++m) {
+          values[m] = metric.condition < 0
+                          ? h.charging[m].Brier()
+                          : h.level[metric.condition][m].Mean();
+        }
+        if (std::isnan(values[me])) continue;
+        ++total;
+        int best = best_rival(values, me);
+        if (best < 0 || values[me] < values[best]) {
+          ++wins;
+        } else if (values[me] == values[best]) {
+          ++ties;
+        } else {
+          beaten.push_back(Hours(h.horizon_ms) + " (" + MethodTitle(best) +
+                           " " + Fixed(values[best], metric.digits) +
+                           " against " + Fixed(values[me], metric.digits) +
+                           ")");
+        }
       }
-      int best = BestBaseline(values);
-      std::string what = "Time to " + Percent(r.low_percent) + ", " +
-                         ConditionTitle(c) + ": ";
-      if (best < 0 || values[kForecaster] < values[best]) {
-        lines.push_back(what + "the forecaster is best (" +
-                        Fixed(values[kForecaster], 0) + " min).");
-      } else if (values[kForecaster] == values[best]) {
-        lines.push_back(what + "the forecaster is level with " +
-                        MethodTitle(best) + " (" +
-                        Fixed(values[kForecaster], 0) + " min).");
-      } else {
-        lines.push_back(what + "beaten by " + MethodTitle(best) + " (" +
-                        Fixed(values[best], 0) + " min against " +
-                        Fixed(values[kForecaster], 0) + " min).");
+      std::string line = VerdictLine(metric.what, subject.name, subject.rival,
+                                     beaten, wins, ties, total);
+      if (!line.empty()) lines.push_back(line);
+    }
+    if (r.low.events > 0) {
+      for (int c = 0; c < kConditionCount; ++c) {
+        double values[kMethodCount];
+        for (int m = 0; m < kMethodCount; ++m) {
+          values[m] = r.low.minutes[c][m].Mean();
+        }
+        if (std::isnan(values[me])) continue;
+        int best = best_rival(values, me);
+        std::string what = "Time to " + Percent(r.low_percent) + ", " +
+                           ConditionTitle(c) + ": ";
+        if (best < 0 || values[me] < values[best]) {
+          lines.push_back(what + subject.name + " is best (" +
+                          Fixed(values[me], 0) + " min).");
+        } else if (values[me] == values[best]) {
+          lines.push_back(what + subject.name + " is level with " +
+                          MethodTitle(best) + " (" + Fixed(values[me], 0) +
+                          " min).");
+        } else {
+          lines.push_back(what + subject.name + " is beaten by " +
+                          MethodTitle(best) + " (" + Fixed(values[best], 0) +
+                          " min against " + Fixed(values[me], 0) + " min).");
+        }
       }
     }
   }
@@ -322,9 +340,11 @@ void WriteReportText(std::ostream& out, const ReportHeader& header,
   if (o.has_from) out << ", from " << FormatDateTime(o.from_ms, header.zone);
   if (o.has_to) out << ", to " << FormatDateTime(o.to_ms, header.zone);
   out << "; truth: the logged level, linear between samples; methods: "
-         "forecaster, persistence (level stays), running rates (the "
-         "forecaster's own extrapolation), yesterday / last week (the "
-         "change over the same hours a day / a week before)\n\n";
+         "forecaster, adaptive (the forecaster and simple methods weighed "
+         "by their errors on this log so far), persistence (level stays), "
+         "running rates (the forecaster's own extrapolation), yesterday / "
+         "last week (the change over the same hours a day / a week "
+         "before)\n\n";
   for (const LogEvaluation& r : results) WriteSection(out, header, r, false);
   if (combined != nullptr) WriteSection(out, header, *combined, true);
 }

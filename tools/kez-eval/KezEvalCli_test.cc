@@ -87,7 +87,8 @@ TEST(KezEvalCli, TablesCsvJsonAndChart) {
   EXPECT_TRUE(Contains(r.out, "Level, free forecast"));
   EXPECT_TRUE(Contains(r.out, "Chance of charging"));
   EXPECT_TRUE(Contains(r.out, "learned from similar past moments"));
-  EXPECT_TRUE(Contains(r.out, "Against the baselines:"));
+  EXPECT_TRUE(Contains(r.out, "Against the baselines and each other:"));
+  EXPECT_TRUE(Contains(r.out, "the adaptive forecast is"));
 
   r = Eval(std::string("--format csv ") + kSmall + log);
   ASSERT_EQ(r.exit_code, 0) << r.out;

@@ -104,6 +104,7 @@ kez_tools::EvalOptions PartOptions(const kez_tools::Log& log,
                                   int64_t every_ms,
                                   const std::vector<int64_t>& horizons_ms) {
   kez_tools::EvalOptions o;
+  o.adaptive = false;  // the tuner judges the instance's model alone
   o.replay = plan.replay;
   o.warmup_ms = plan.warmup_ms;
   o.every_ms = every_ms;

@@ -11,13 +11,20 @@
 // Offline code reaches the instance and its predictor through the typed
 // accessors; handle() gives the same instance to code that measures the C
 // interface itself.
+//
+// With EnableAdaptive, every report also goes to an adaptive forecaster
+// (adaptive/AdaptiveForecaster.h), which keeps an instance of its own fed
+// the same reports: CSV samples with the nine values, status lines through
+// the adaptive forecaster's line reading.
 #ifndef KEZ_TOOLS_COMMON_REPLAY_KEZSESSION_H_
 #define KEZ_TOOLS_COMMON_REPLAY_KEZSESSION_H_
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "Replayer.h"
+#include "adaptive/AdaptiveForecaster.h"
 #include "interface/KEZ.h"
 #include "kez/kez.h"
 #include "predictor/MobilePowerPredictor.h"
@@ -36,7 +43,14 @@ class KezSession {
   // instance's predictor is initialised again with it, which empties its
   // memory, so call it before the first report. False when the instance has
   // no predictor.
+  // With an adaptive forecaster, its instance takes the model too.
   bool UseModel(const vorn::MobilePowerPredictorParameter& parameter);
+
+  // Feeds an adaptive forecaster beside the instance from now on (call it
+  // before the first report). Throws std::bad_alloc when out of memory.
+  void EnableAdaptive();
+  // The adaptive forecaster, or nullptr without EnableAdaptive.
+  kez::adaptive::AdaptiveForecaster* adaptive() { return adaptive_.get(); }
 
   void Feed(const Report& report);
   Replayer::Sink Sink() {
@@ -55,6 +69,7 @@ class KezSession {
 
  private:
   kez::KEZ instance_;
+  std::unique_ptr<kez::adaptive::AdaptiveForecaster> adaptive_;
   int64_t last_time_ms_ = -1;
   const LogSample* last_sample_ = nullptr;
 };
