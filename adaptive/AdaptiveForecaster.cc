@@ -134,6 +134,12 @@ void AdaptiveForecaster::Score(const HostReport& now, double level,
   }
 }
 
+bool AdaptiveForecaster::StartCharging(int variant) const {
+  if (variant == kNotCharged) return false;
+  if (variant == kPluggedIn) return true;
+  return lastCharging_;
+}
+
 int AdaptiveForecaster::Situation(uint64_t timeMs, bool charging) const {
   int parts = settings_.dayParts;
   if (parts < 1) parts = 1;
@@ -253,7 +259,7 @@ int AdaptiveForecaster::Predict(int variant, int count,
                                          HoldSteps(variant));
   MethodPaths paths;
   paths.Start(variant, Present(), history_, curve_, out, rates);
-  const int start = Situation(lastMs_, lastCharging_);
+  const int start = Situation(lastMs_, StartCharging(variant));
   double levelWeights[kAnchorCount][kMethodCount];
   double chargingWeights[kAnchorCount][kMethodCount];
   AnchorWeights(variant, start, paths.available(), levelWeights);
@@ -303,8 +309,8 @@ void AdaptiveForecaster::LevelWeights(int variant, int k,
   MethodPaths paths;
   paths.Start(variant, Present(), history_, curve_, nullptr, nullptr);
   double anchor[kAnchorCount][kMethodCount];
-  AnchorWeights(variant, Situation(lastMs_, lastCharging_), paths.available(),
-                anchor);
+  AnchorWeights(variant, Situation(lastMs_, StartCharging(variant)),
+                paths.available(), anchor);
   WeightsAt(anchor, k < 0 ? 0 : k, weights);
 }
 

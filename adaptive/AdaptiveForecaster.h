@@ -130,6 +130,11 @@ class AdaptiveForecaster {
   void RecordVariant(RecordedForecast* record, int variant);
   PresentState Present() const;
   int Situation(uint64_t timeMs, bool charging) const;
+  // The charging state whose record weighs a forecast of `variant` now:
+  // "not charged" is judged only from moments without charging and
+  // "plugged in now" only from moments on the charger, whatever the phone
+  // does now; the free forecast from the present state.
+  bool StartCharging(int variant) const;
   void AnchorWeights(int variant, int start, MethodMask available,
                      double (*weights)[kMethodCount]) const;
   void AnchorChargingWeights(int start, MethodMask available,

@@ -64,7 +64,61 @@ const char* AnswerKey(const Answer& a) {
   return "";
 }
 
+// The method's name as the tools say it: the instance is "the forecaster".
+std::string MethodLabel(int method) {
+  if (method == kez::adaptive::kInstance) return "forecaster";
+  std::string name = kez::adaptive::MethodName(method);
+  for (char& c : name) {
+    if (c == '_') c = ' ';
+  }
+  return name;
+}
+
+// The steps whose weights the text shows: 1 h, 4 h and 24 h ahead, as far
+// as the forecast reaches (at least its last step).
+std::vector<int> WeightSteps(const Forecast& f) {
+  std::vector<int> steps;
+  for (int k : {5, 23, 143}) {
+    const int s = k < f.steps ? k : f.steps - 1;
+    if (s >= 0 && (steps.empty() || steps.back() != s)) steps.push_back(s);
+  }
+  return steps;
+}
+
 }  // namespace
+
+std::vector<std::string> DescribeWeights(const Forecast& f) {
+  std::vector<std::string> lines;
+  if (!f.adaptive || f.steps < 1) return lines;
+  const std::vector<int> steps = WeightSteps(f);
+  constexpr int kMethods = kez::adaptive::kMethodCount;
+  std::string head = "each method's weight in the level at ";
+  for (size_t i = 0; i < steps.size(); ++i) {
+    head += (i == 0 ? "" : i + 1 == steps.size() ? " and " : ", ") +
+            FormatDuration((steps[i] + 1) * kStepMs);
+  }
+  lines.push_back(head + " (percent):");
+  for (int v = 0; v < kVariantCount; ++v) {
+    if (!f.has[v]) continue;
+    std::string line = Pad(VariantTitle(v), 16);
+    bool first = true;
+    for (int m = 0; m < kMethods; ++m) {
+      bool used = false;
+      std::string cells;
+      for (size_t i = 0; i < steps.size(); ++i) {
+        const double w =
+            f.weights[v][static_cast<size_t>(steps[i]) * kMethods + m];
+        if (w > 0.0) used = true;
+        cells += (i == 0 ? "" : "/") + Printf("%.0f", std::round(w * 100.0));
+      }
+      if (!used) continue;
+      line += (first ? "" : ", ") + MethodLabel(m) + " " + cells;
+      first = false;
+    }
+    lines.push_back(line);
+  }
+  return lines;
+}
 
 std::string DescribeForecastSource(const Forecast& f) {
   if (f.learned()) {
@@ -121,6 +175,17 @@ void WriteForecastText(std::ostream& out, const ForecastView& v) {
     }
   }
   out << "Forecast  " << DescribeForecastSource(f) << "\n";
+  if (f.adaptive) {
+    const std::vector<std::string> weights = DescribeWeights(f);
+    out << "Method    adaptive: the forecaster and simple methods, weighed by "
+           "how well each did on this log so far (the forecaster's own "
+           "forecast: --raw)\n";
+    for (size_t i = 0; i < weights.size(); ++i) {
+      out << (i == 0 ? "Weighted  " : "          ") << weights[i] << "\n";
+    }
+  } else {
+    out << "Method    the forecaster's own forecast (--raw)\n";
+  }
 
   if (!v.answers.empty()) {
     out << "\nWhen\n";
@@ -198,6 +263,7 @@ void WriteForecastJson(std::ostream& out, const ForecastView& v) {
       << ", \"time\": " << JsonString(FormatIso(f.start_ms, v.zone))
       << ", \"level_percent\": " << Printf("%g", f.level_now)
       << ", \"charging\": " << (f.charging_now ? "true" : "false") << "},\n";
+  out << "  \"adaptive\": " << (f.adaptive ? "true" : "false") << ",\n";
   out << "  \"learned\": " << (f.learned() ? "true" : "false")
       << ",\n  \"similar_moments\": " << f.similar_moments
       << ",\n  \"distance\": " << Printf("%.6g", f.distance) << ",\n";
@@ -237,7 +303,22 @@ void WriteForecastJson(std::ostream& out, const ForecastView& v) {
       const stMobilePowerPredictionData& r = f.records[k][st];
       out << ", \"" << VariantName(k) << "\": {\"level_percent\": "
           << Printf("%.3f", r.level * 100.0)
-          << ", \"charging\": " << Printf("%.4f", r.charging) << "}";
+          << ", \"charging\": " << Printf("%.4f", r.charging);
+      if (f.adaptive) {
+        // The level's weights, by method (those that took part).
+        constexpr int kMethods = kez::adaptive::kMethodCount;
+        out << ", \"weights\": {";
+        bool first = true;
+        for (int m = 0; m < kMethods; ++m) {
+          const double w = f.weights[k][static_cast<size_t>(st) * kMethods + m];
+          if (!(w > 0.0)) continue;
+          out << (first ? "" : ", ") << "\"" << kez::adaptive::MethodName(m)
+              << "\": " << Printf("%.4f", w);
+          first = false;
+        }
+        out << "}";
+      }
+      out << "}";
     }
     out << "}";
   }

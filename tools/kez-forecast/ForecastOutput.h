@@ -38,6 +38,10 @@ void WriteForecastText(std::ostream& out, const ForecastView& view);
 void WriteForecastCsv(std::ostream& out, const ForecastView& view);
 void WriteForecastJson(std::ostream& out, const ForecastView& view);
 
+// For an adaptive forecast: a heading, then one line per variant with each
+// method's weight (percent) at 1 h, 4 h and 24 h ahead; empty otherwise.
+std::vector<std::string> DescribeWeights(const Forecast& forecast);
+
 // "learned from 16 similar past moments (search distance 3.12)" or the
 // extrapolation notice.
 std::string DescribeForecastSource(const Forecast& forecast);

@@ -58,6 +58,23 @@ TEST_F(ForecastCli, WithoutArgumentsItExplainsItself) {
   }
 }
 
+TEST_F(ForecastCli, TheAdaptiveForecastSaysWhatItWeighedAndRawIsOnRequest) {
+  CliRun adaptive = Shell(kForecast + " --format json " + log_);
+  ASSERT_EQ(adaptive.exit_code, 0) << adaptive.out;
+  EXPECT_TRUE(Contains(adaptive.out, "\"adaptive\": true")) << adaptive.out;
+  EXPECT_TRUE(Contains(adaptive.out, "\"weights\": {\"instance\": "));
+  CliRun text = Shell(kForecast + " " + log_);
+  ASSERT_EQ(text.exit_code, 0) << text.out;
+  EXPECT_TRUE(Contains(text.out, "Method    adaptive")) << text.out;
+  EXPECT_TRUE(Contains(text.out, "Weighted  each method's weight")) << text.out;
+  CliRun raw = Shell(kForecast + " --raw --format json " + log_);
+  ASSERT_EQ(raw.exit_code, 0) << raw.out;
+  EXPECT_TRUE(Contains(raw.out, "\"adaptive\": false")) << raw.out;
+  EXPECT_FALSE(Contains(raw.out, "\"weights\""));
+  EXPECT_TRUE(Contains(Shell(kForecast + " --raw " + log_).out,
+                       "the forecaster's own forecast (--raw)"));
+}
+
 TEST_F(ForecastCli, ForecastPrintsTheReplayTheSourceTheAnswersAndTheTable) {
   CliRun r = Shell(kForecast + " --when 08:00 --level 30 " + log_);
   ASSERT_EQ(r.exit_code, 0) << r.out;

@@ -1,7 +1,9 @@
 // kez-forecast: replays a battery log through the library's C interface the
 // way a host app reports, then prints the forecast: a table of the three
-// variants, what the forecast was learned from, and the answers people ask
-// for (when will it be empty, full, charged). See docs/TOOLS.md.
+// variants, what the forecast was learned from and which methods the
+// adaptive forecast weighed (or, with --raw, the forecaster's own), and the
+// answers people ask for (when will it be empty, full, charged). See
+// docs/TOOLS.md.
 #include <cmath>
 #include <fstream>
 #include <iostream>
@@ -44,6 +46,9 @@ const char kUsage[] =
     "  --at TIME          forecast from TIME: replay only the log up to it\n"
     "  --level N          the low level to ask about, percent (default 20)\n"
     "  --when TIME        also tell the level at TIME (HH:MM: next such time)\n"
+    "  --raw              the forecaster's own forecast instead of the adaptive\n"
+    "                     one (which weighs it and simple methods by how well\n"
+    "                     each did on the log so far)\n"
     "model:\n"
     "  --params FILE      forecast with the model in this parameter file (as\n"
     "                     kez-tune writes it) instead of the built-in one\n"
@@ -73,7 +78,7 @@ int main(int argc, char** argv) {
   }
   CliArgs args(argc, argv);
   std::string path, format = "text", svg, at_text, when_text, params, error;
-  bool has_path = false;
+  bool has_path = false, raw = false;
   LogFormat log_format = LogFormat::kCsv;
   ReplayOptions replay;
   LogReadSettings read_settings;
@@ -129,6 +134,8 @@ int main(int argc, char** argv) {
       every = static_cast<int>(n);
     } else if (a == "--svg") {
       if (!args.Value(a, &svg, &error)) return Usage(error);
+    } else if (a == "--raw") {
+      raw = true;
     } else if (a == "--status-lines") {
       log_format = LogFormat::kStatusLines;
     } else if (a.size() > 1 && a[0] == '-') {
@@ -177,6 +184,7 @@ int main(int argc, char** argv) {
   }
 
   KezSession session;
+  if (!raw) session.EnableAdaptive();
   if (!params.empty() && !session.UseModel(parameter)) {
     return Fail("the library could not create an instance");
   }
@@ -184,10 +192,14 @@ int main(int argc, char** argv) {
   replayer.ReplayTo(at_ms >= 0 ? at_ms : last);
 
   Forecast forecast;
-  if (!MakeForecast(session.instance(), steps, wanted, session.last_time_ms(),
-                    *session.last_sample(), &forecast, &error)) {
-    return Fail(error);
-  }
+  const bool made =
+      raw ? MakeForecast(session.instance(), steps, wanted,
+                         session.last_time_ms(), *session.last_sample(),
+                         &forecast, &error)
+          : MakeAdaptiveForecast(*session.adaptive(), steps, wanted,
+                                 session.last_time_ms(),
+                                 *session.last_sample(), &forecast, &error);
+  if (!made) return Fail(error);
   AnswerOptions answer_options;
   answer_options.level_percent = level;
   if (when_clock >= 0) {
@@ -232,7 +244,8 @@ int main(int argc, char** argv) {
     size_t slash = name.find_last_of('/');
     if (slash != std::string::npos) name = name.substr(slash + 1);
     chart.title = "Battery forecast: " + name;
-    chart.subtitle = "from " +
+    chart.subtitle = std::string(forecast.adaptive ? "adaptive, " : "") +
+                     "from " +
                      FormatDayClock(forecast.start_ms, zone).substr(0, 4) +
                      FormatDateTime(forecast.start_ms, zone) + " " +
                      zone.Name(forecast.start_ms) + ", " +

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "Replayer.h"
+#include "adaptive/AdaptiveForecaster.h"
 #include "interface/KEZ.h"
 #include "kez/kez.h"
 
@@ -34,6 +35,11 @@ struct Forecast {
   std::vector<stMobilePowerPredictionData> records[kVariantCount];
   double distance = 100.0;  // element 0's distance
   int similar_moments = 0;  // 0: extrapolated from the running rates
+  // Made by the adaptive forecaster: per variant, the weights with which
+  // each step's level combined the methods, step-major
+  // (weights[v][k * kez::adaptive::kMethodCount + method]).
+  bool adaptive = false;
+  std::vector<double> weights[kVariantCount];
 
   int64_t StepTime(int k) const { return start_ms + (k + 1) * kStepMs; }
   bool learned() const { return similar_moments > 0; }
@@ -47,6 +53,13 @@ struct Forecast {
 bool MakeForecast(kez::KEZ& instance, int steps, const bool wanted[3],
                   int64_t start_ms, const LogSample& last, Forecast* forecast,
                   std::string* error);
+// The same with the adaptive forecaster: its forecasts of the wanted
+// variants and the weights they were combined with; what the search found
+// is its instance's.
+bool MakeAdaptiveForecast(kez::adaptive::AdaptiveForecaster& adaptive,
+                          int steps, const bool wanted[3], int64_t start_ms,
+                          const LogSample& last, Forecast* forecast,
+                          std::string* error);
 
 }  // namespace kez_tools
 
