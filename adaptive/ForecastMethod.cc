@@ -17,8 +17,7 @@ MethodMask LevelMethods(int variant) {
            Bit(kChargeCurve);
   }
   if (variant == kNotCharged) {
-    return Bit(kInstance) | Bit(kRunningRates) | Bit(kYesterday) |
-           Bit(kLastWeek);
+    return Bit(kInstance) | Bit(kRunningRates);
   }
   return Bit(kInstance) | Bit(kPersistence) | Bit(kRunningRates) |
          Bit(kYesterday) | Bit(kLastWeek);

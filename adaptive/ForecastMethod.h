@@ -16,9 +16,12 @@
 //                   each level while charging (a phone that holds at 80 %
 //                   learns a rise of zero there).
 //
-// Level methods per variant: free and "not charged" weigh instance,
-// persistence, running_rates, yesterday and last_week; "plugged in now"
-// weighs instance, persistence, running_rates and charge_curve. The chance
+// Level methods per variant: the free forecast weighs instance,
+// persistence, running_rates, yesterday and last_week; "not charged" weighs
+// instance and running_rates (with the seasonal falls as well, its level at
+// the anchors was a little better but its time to 20 % clearly worse on the
+// simulated users: the idle hours of a seasonal path flatten it); "plugged
+// in now" weighs instance, persistence, running_rates and charge_curve. The chance
 // of charging of the free forecast weighs instance, persistence, yesterday,
 // last_week and charging_habit.
 #ifndef KEZ_ADAPTIVE_FORECASTMETHOD_H_
