@@ -1,6 +1,7 @@
 #include "adaptive/AdaptiveForecaster.h"
 
 #include <cmath>
+#include <cstddef>
 
 #include "adaptive/AnchorHorizons.h"
 #include "adaptive/PriorErrors.h"
@@ -321,6 +322,27 @@ void AdaptiveForecaster::ChargingWeights(int k, double* weights) const {
   AnchorChargingWeights(Situation(lastMs_, lastCharging_), paths.available(),
                         anchor);
   WeightsAt(anchor, k < 0 ? 0 : k, weights);
+}
+
+bool AdaptiveForecaster::WeightPath(int variant, int what, int count,
+                                    double* weights) const {
+  if (!ValidVariant(variant) || (what != 0 && !(what == 1 && variant == kFree))) {
+    return false;
+  }
+  MethodPaths paths;
+  paths.Start(variant, Present(), history_, curve_, nullptr, nullptr);
+  double anchor[kAnchorCount][kMethodCount];
+  if (what == 0) {
+    AnchorWeights(variant, Situation(lastMs_, StartCharging(variant)),
+                  paths.available(), anchor);
+  } else {
+    AnchorChargingWeights(Situation(lastMs_, lastCharging_), paths.available(),
+                          anchor);
+  }
+  for (int k = 0; k < count; ++k) {
+    WeightsAt(anchor, k, weights + static_cast<std::ptrdiff_t>(k) * kMethodCount);
+  }
+  return true;
 }
 
 }  // namespace adaptive

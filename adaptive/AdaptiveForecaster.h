@@ -115,6 +115,12 @@ class AdaptiveForecaster {
   void LevelWeights(int variant, int k, double* weights) const;
   // The same for the chance of charging of the free forecast.
   void ChargingWeights(int k, double* weights) const;
+  // The weights of steps 0 .. count - 1 at once, step-major (kMethodCount
+  // a step): `what` 0 the level of `variant`, 1 the chance of charging of
+  // the free forecast. Each step's weights equal LevelWeights' /
+  // ChargingWeights'. False (nothing written) for an unknown variant or
+  // `what`.
+  bool WeightPath(int variant, int what, int count, double* weights) const;
 
   // How many forecasts have been scored at the first anchor, per variant
   // (the cold start ends as they grow).

@@ -192,6 +192,30 @@ TEST(AdaptiveForecasterTest, KeepsWorkingThroughClockJumpsAndLongGaps) {
   }
 }
 
+TEST(AdaptiveForecasterTest, TheWeightPathHoldsEachStepsWeights) {
+  AdaptiveForecaster f;
+  FeedIrregular(&f, kRoutineStartMs, kRoutineStartMs + 9 * kDayMs + kReportMs);
+  const int steps = 200;
+  std::vector<double> path(static_cast<size_t>(steps) * kMethodCount);
+  double one[kMethodCount];
+  for (int what = 0; what < 2; ++what) {
+    for (int v = 0; v < kVariantCount; ++v) {
+      const bool known = what == 0 || v == kFree;
+      ASSERT_EQ(f.WeightPath(v, what, steps, path.data()), known);
+      if (!known) continue;
+      for (int k = 0; k < steps; ++k) {
+        if (what == 0) {
+          f.LevelWeights(v, k, one);
+        } else {
+          f.ChargingWeights(k, one);
+        }
+        ASSERT_EQ(std::memcmp(one, &path[static_cast<size_t>(k) * kMethodCount],
+                              sizeof one), 0) << v << " " << k;
+      }
+    }
+  }
+}
+
 TEST(AdaptiveForecasterTest, BeforeAnyReportItIsTheInstancesForecast) {
   AdaptiveForecaster f;
   std::vector<stMobilePowerPredictionData> a(10), b(10);

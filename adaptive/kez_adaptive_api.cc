@@ -113,6 +113,17 @@ int kez_adaptive_weights(kez_adaptive* a, int variant, int what, int step,
   }
 }
 
+int kez_adaptive_weight_steps(kez_adaptive* a, int variant, int what,
+                              int steps, double* weights) {
+  if (a == nullptr) return -1;
+  if (weights == nullptr || steps < 1) return 0;
+  try {
+    return a->forecaster.WeightPath(variant, what, steps, weights) ? 1 : 0;
+  } catch (...) {
+    return 0;
+  }
+}
+
 long kez_adaptive_scored(kez_adaptive* a, int variant) {
   if (a == nullptr) return -1;
   if (variant < 0 || variant >= kez::adaptive::kVariantCount) return 0;

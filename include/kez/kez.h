@@ -120,7 +120,7 @@ KEZ_EXPORT int kez_similar_moments(kez_handle handle, int count);
  * scores those forecasts once their outcomes are reported, and weighs the
  * methods by their recent errors (before it has scored enough, by errors
  * tuned offline on simulated users). A forecast uses nothing reported after
- * it; the same reports always give the same forecasts. About 50 KB more
+ * it; the same reports always give the same forecasts. About 58 KB more
  * than an instance; reports allocate nothing of their own. */
 
 /* Opaque handle of an adaptive forecaster. */
@@ -187,6 +187,15 @@ KEZ_EXPORT int kez_adaptive_method_name(int method, char* buffer, int size);
  * handle. */
 KEZ_EXPORT int kez_adaptive_weights(kez_adaptive* a, int variant, int what,
                                     int step, double* weights, int count);
+
+/* The weights of kez_adaptive_weights for steps 0 .. steps - 1 at once,
+ * step-major: method m of step k in weights[k * kez_adaptive_method_count()
+ * + m]; `weights` holds that many times `steps` values. Returns 1 when
+ * written, 0 for an unknown variant or `what`, a null `weights` or steps
+ * below 1, -1 for a null handle. */
+KEZ_EXPORT int kez_adaptive_weight_steps(kez_adaptive* a, int variant,
+                                         int what, int steps,
+                                         double* weights);
 
 /* How many forecasts of `variant` have been scored at 1 hour so far (until
  * a few dozen, the offline prior weighs more than the user's own record).

@@ -5,8 +5,8 @@
 // float arrays (levels in percent, charging chance 0 to 1), weights into a
 // double array. The declarations come from the header that javac -h
 // generates from AdaptiveNative.java, so a changed Java signature stops the
-// build. Every array here is written, so each is released in mode 0 (copied
-// back when the VM handed out a copy).
+// build. Arrays are released in mode 0 (copied back when the VM handed out a
+// copy) when written, with JNI_ABORT when nothing was written into them.
 //
 // No C++ exception leaves an entry point and no Java exception is thrown
 // here; when the VM cannot pin an array or make a string, its own
@@ -68,21 +68,15 @@ jint Weights(JNIEnv* env, jlong handle, jint variant, jint what,
              jdoubleArray weights) {
   if (weights == nullptr) return 0;
   const int methods = kez_adaptive_method_count();
-  const jsize n = env->GetArrayLength(weights);
+  const jsize steps = env->GetArrayLength(weights) / methods;
+  if (steps < 1) return 0;
   jdouble* out = env->GetDoubleArrayElements(weights, nullptr);
   if (out == nullptr) return 0;
-  const jsize steps = n / methods;
-  jint filled = 0;
-  for (jsize k = 0; k < steps; ++k) {
-    if (kez_adaptive_weights(FromJava(handle), variant, what, k,
-                             out + static_cast<std::ptrdiff_t>(k) * methods,
-                             methods) != methods) {
-      break;
-    }
-    ++filled;
-  }
-  env->ReleaseDoubleArrayElements(weights, out, 0);
-  return filled;
+  const int done =
+      kez_adaptive_weight_steps(FromJava(handle), variant, what, steps, out);
+  // Written only when done; otherwise nothing needs copying back.
+  env->ReleaseDoubleArrayElements(weights, out, done == 1 ? 0 : JNI_ABORT);
+  return done == 1 ? steps : 0;
 }
 
 jobjectArray MethodNames(JNIEnv* env) {

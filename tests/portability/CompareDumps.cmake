@@ -2,14 +2,15 @@
 #       -P CompareDumps.cmake
 #
 # Runs kez-forecast-dump of the native build and of the cross build (under the
-# emulator) on LOG and fails unless both print the same bytes.
+# emulator) on LOG, with the adaptive forecaster's forecasts and weights, and
+# fails unless both print the same bytes.
 string(REPLACE "|" ";" EMULATOR "${EMULATOR}")
 if(NOT EXISTS "${LOG}")
   message(FATAL_ERROR "log not found: ${LOG}")
 endif()
-execute_process(COMMAND ${NATIVE_DUMP} ${LOG}
+execute_process(COMMAND ${NATIVE_DUMP} --adaptive ${LOG}
   OUTPUT_FILE ${OUT_DIR}/forecast-native.txt RESULT_VARIABLE native_rc)
-execute_process(COMMAND ${EMULATOR} ${CROSS_DUMP} ${LOG}
+execute_process(COMMAND ${EMULATOR} ${CROSS_DUMP} --adaptive ${LOG}
   OUTPUT_FILE ${OUT_DIR}/forecast-cross.txt RESULT_VARIABLE cross_rc)
 if(NOT native_rc EQUAL 0 OR NOT cross_rc EQUAL 0)
   message(FATAL_ERROR "dump failed: native ${native_rc}, cross ${cross_rc}")

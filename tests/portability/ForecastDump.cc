@@ -1,7 +1,7 @@
 // kez-forecast-dump: feeds a battery log to libkez and prints its forecasts
 // as hexadecimal floats, exactly as the library computed them.
 //
-// Usage: kez-forecast-dump [--lines] [--every N] [--steps N] LOG.csv
+// Usage: kez-forecast-dump [--lines] [--adaptive] [--every N] [--steps N] LOG.csv
 //        kez-forecast-dump --records FILE
 //
 // The log is CSV with a header naming its columns: time_ms, level_percent and
@@ -13,7 +13,10 @@
 // After every N-th row (default 288, a day of 5-minute reports) and after the
 // last one, all three forecast variants of `steps` steps (default 144) are
 // printed, followed by the kez_forecast_find answers for "empty", "20 %",
-// "80 %", "full" and "charging". Two builds of the library on different
+// "80 %", "full" and "charging". With --adaptive every row also goes to an
+// adaptive forecaster (kez_adaptive_report, or kez_adaptive_report_line),
+// and its three variants and the weights of its methods at every step
+// follow each instance forecast. Two builds of the library on different
 // machines must print the same text byte for byte; the JVM tests compare
 // the Java binding with it as well.
 //
@@ -63,6 +66,24 @@ void PrintFinds(const stMobilePowerPredictionData* records, int steps) {
   }
 }
 
+void PrintAdaptive(kez_adaptive* adaptive, int steps) {
+  std::vector<stMobilePowerPredictionData> out(steps < 1 ? 1 : steps);
+  const int methods = kez_adaptive_method_count();
+  std::vector<double> weights(static_cast<size_t>(methods));
+  for (int v = 0; v < 3; ++v) {
+    for (auto& r : out) r = stMobilePowerPredictionData{0.0, 0.0, 0.0};
+    const int result = kez_adaptive_predict(adaptive, v, steps, out.data());
+    std::printf("adaptive variant %d result %d distance %a\n", v, result,
+                out[0].distance);
+    for (int k = 0; k < steps; ++k) {
+      std::printf("adaptive step %d %a %a", k, out[k].level, out[k].charging);
+      kez_adaptive_weights(adaptive, v, 0, k, weights.data(), methods);
+      for (double w : weights) std::printf(" %a", w);
+      std::printf("\n");
+    }
+  }
+}
+
 void PrintForecasts(kez_handle handle, long row, const std::string& time,
                     int steps) {
   std::printf("at row %ld time_ms %s\n", row, time.c_str());
@@ -105,8 +126,8 @@ int PrintRecordFinds(const char* path) {
 
 int Usage() {
   std::fprintf(stderr,
-               "usage: kez-forecast-dump [--lines] [--every N] [--steps N] "
-               "LOG.csv\n"
+               "usage: kez-forecast-dump [--lines] [--adaptive] [--every N] "
+               "[--steps N] LOG.csv\n"
                "       kez-forecast-dump --records FILE\n");
   return 2;
 }
@@ -114,7 +135,7 @@ int Usage() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  bool lines = false;
+  bool lines = false, with_adaptive = false;
   long every = 288;
   int steps = 144;
   const char* path = nullptr;
@@ -124,6 +145,8 @@ int main(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--lines") == 0) {
       lines = true;
+    } else if (std::strcmp(argv[i], "--adaptive") == 0) {
+      with_adaptive = true;
     } else if (std::strcmp(argv[i], "--every") == 0 && i + 1 < argc) {
       every = std::atol(argv[++i]);
     } else if (std::strcmp(argv[i], "--steps") == 0 && i + 1 < argc) {
@@ -145,6 +168,7 @@ int main(int argc, char** argv) {
   kez_get_version(version, sizeof version);
   std::printf("version %s\n", version);
   kez_handle handle = kez_init();
+  kez_adaptive* adaptive = with_adaptive ? kez_adaptive_init() : nullptr;
   std::map<std::string, int> column;
   const char* names[] = {"time_ms", "level_percent", "charging",
                          "aux1",    "aux2",          "aux3",
@@ -173,6 +197,7 @@ int main(int argc, char** argv) {
     time = f.empty() ? std::string() : f[0];
     if (lines) {
       kez_addStatusValues(handle, line.c_str());
+      if (adaptive != nullptr) kez_adaptive_report_line(adaptive, line.c_str());
     } else {
       if (column.empty()) {
         std::fprintf(stderr, "kez-forecast-dump: %s has no header\n", path);
@@ -193,12 +218,30 @@ int main(int argc, char** argv) {
                          std::strtod(text(6), nullptr),
                          std::strtod(text(7), nullptr),
                          std::strtod(text(8), nullptr));
+      if (adaptive != nullptr) {
+        kez_adaptive_report(adaptive, std::strtoull(text(0), nullptr, 10),
+                            std::strtof(text(1), nullptr),
+                            std::strtof(text(2), nullptr),
+                            std::strtof(text(3), nullptr),
+                            std::strtof(text(4), nullptr),
+                            std::strtof(text(5), nullptr),
+                            std::strtod(text(6), nullptr),
+                            std::strtod(text(7), nullptr),
+                            std::strtod(text(8), nullptr));
+      }
     }
     ++row;
     printed_last = row % every == 0;
-    if (printed_last) PrintForecasts(handle, row, time, steps);
+    if (printed_last) {
+      PrintForecasts(handle, row, time, steps);
+      if (adaptive != nullptr) PrintAdaptive(adaptive, steps);
+    }
   }
-  if (!printed_last) PrintForecasts(handle, row, time, steps);
+  if (!printed_last) {
+    PrintForecasts(handle, row, time, steps);
+    if (adaptive != nullptr) PrintAdaptive(adaptive, steps);
+  }
+  kez_adaptive_stop(adaptive);
   kez_stop(handle);
   return 0;
 }

@@ -83,9 +83,7 @@ bool MakeAdaptiveForecast(kez::adaptive::AdaptiveForecaster& adaptive,
     }
     f.has[v] = true;
     f.weights[v].assign(static_cast<size_t>(steps) * kMethods, 0.0);
-    for (int k = 0; k < steps; ++k) {
-      adaptive.LevelWeights(v, k, &f.weights[v][static_cast<size_t>(k) * kMethods]);
-    }
+    if (steps > 0) adaptive.WeightPath(v, 0, steps, f.weights[v].data());
     if (!distance_set) {
       f.distance = f.records[v][0].distance;
       distance_set = true;

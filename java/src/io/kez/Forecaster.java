@@ -17,7 +17,7 @@ import java.util.Objects;
  * changed: a 10-minute step without a report is a gap, and a forecast of a day learns only from
  * past moments that were followed by a gap-free day. Nothing is saved; after a restart feed the
  * history again. Close the forecaster to free its memory (about 30 days of 10-minute steps and
- * the adaptive forecaster's 50 KB);
+ * the adaptive forecaster's 58 KB);
  * closing twice is harmless, any other use after closing throws {@link IllegalStateException}.
  * The methods are synchronized, so one forecaster may be shared between threads.
  *
