@@ -2,14 +2,14 @@
 // memory (adaptive against the instance's own, same reports), and replaying
 // 30 days of 5-minute reports into a fresh adaptive forecaster, hourly
 // self-evaluation included (against a fresh instance). The log is the
-// simulated one of simulated_memory.h.
+// simulated one of SimulatedMemory.h.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
 #include <vector>
 
 #include "adaptive/AdaptiveForecaster.h"
-#include "bench/simulated_memory.h"
+#include "bench/SimulatedMemory.h"
 #include "interface/HostTime.h"
 #include "interface/KEZ.h"
 #include "kez/kez.h"

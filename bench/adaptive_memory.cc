@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <vector>
 
-#include "bench/simulated_memory.h"
+#include "bench/SimulatedMemory.h"
 #include "kez/kez.h"
 #include "support/CountingAllocator.h"
 
