@@ -1,5 +1,7 @@
 """kez.Forecaster: one forecaster instance, fed and asked as an app does."""
 
+import math
+
 import numpy as np
 import pandas as pd
 
@@ -79,17 +81,21 @@ class Forecaster:
         """Reports one sample (scalars) or many (arrays of one length, in
         time order; checked before the first is reported). time: Unix ms or
         datetimes; level_percent 0..100; charging 0 or 1."""
-        t = _times_ms(time)
+        if isinstance(time, (int, np.integer)) and not isinstance(time, bool):
+            t = int(time)  # the common case, kept short
+        else:
+            t = _times_ms(time)
         if np.ndim(t) == 0:
-            values = [level_percent, charging, aux1, aux2, aux3, countA,
-                      countB1, countB2]
             try:
-                values = [float(v) for v in values]
+                values = (float(level_percent), float(charging), float(aux1),
+                          float(aux2), float(aux3), float(countA), float(countB1),
+                          float(countB2))
             except (TypeError, ValueError):
                 raise TypeError("sample values are numbers") from None
-            if not all(np.isfinite(values)):
-                raise ValueError("a sample value is NaN or infinite")
-            self._native.report(int(t), *values)
+            for v in values:
+                if not math.isfinite(v):
+                    raise ValueError("a sample value is NaN or infinite")
+            self._native.report(t, *values)
             return
         n = len(t)
         arrays = []
@@ -136,17 +142,19 @@ class Forecaster:
         charging_chance, one row per step; attrs: variant, distance (100:
         nothing similar found, the running rates extrapolated) and learned."""
         variants = VARIANTS if variant == "all" else (variant,)
-        frame = None
+        columns = {}
+        distance = None
         for v in variants:
-            times, level, charging, distance = self.forecast_arrays(steps, v)
-            if frame is None:
-                frame = pd.DataFrame({
-                    "time": pd.to_datetime(times, unit="ms", utc=True),
-                    "time_ms": times})
-                frame.attrs["distance"] = distance
-                frame.attrs["learned"] = distance != 100.0
-                frame.attrs["variant"] = variant
+            times, level, charging, d = self.forecast_arrays(steps, v)
+            if distance is None:
+                distance = d
+                columns["time"] = pd.DatetimeIndex(
+                    times.astype("datetime64[ms]")).tz_localize("UTC")
+                columns["time_ms"] = times
             suffix = "" if len(variants) == 1 else "_" + v
-            frame["level_percent" + suffix] = level
-            frame["charging_chance" + suffix] = charging
+            columns["level_percent" + suffix] = level
+            columns["charging_chance" + suffix] = charging
+        frame = pd.DataFrame(columns)
+        frame.attrs.update(variant=variant, distance=distance,
+                           learned=distance != 100.0)
         return frame
