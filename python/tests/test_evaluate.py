@@ -90,3 +90,15 @@ def test_results_move_as_bytes_exactly():
     assert back.levels.equals(result.levels)
     with pytest.raises(ValueError, match="damaged"):
         kez.Evaluation.from_bytes(result.to_bytes()[:-3], result.options)
+
+
+def test_status_line_logs_are_evaluated_as_kez_eval_does(tmp_path):
+    log = tmp_path / "status.txt"
+    tool("kez-simulate", "--days", "10", "--seed", "4", "--format", "status", "-o", str(log))
+    result = kez.evaluate(log, status_lines=True, warmup_days=5)
+    assert result.to_json() == tool("kez-eval", "--format", "json", "--status-lines",
+                                    "--warmup", "5", str(log))
+    assert result.summary["points_made"] > 0
+    # Read as CSV, the same file is not a log.
+    with pytest.raises(kez.LogError):
+        kez.evaluate(log)
