@@ -1,5 +1,5 @@
 // The forecaster as a phone runs it, on a full 30-day memory of a realistic
-// simulated log (bench/simulated_memory.h), and its neighbour search beside
+// simulated log (bench/SimulatedMemory.h), and its neighbour search beside
 // the peers a user could pick instead, on the same windows:
 //
 //   BM_AddStatusValue      one sample through kez_addStatusValue (reports
@@ -25,8 +25,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "bench/scan_work.h"
-#include "bench/simulated_memory.h"
+#include "bench/ScanWork.h"
+#include "bench/SimulatedMemory.h"
 #include "kez/kez.h"
 #include "search/DistanceScan.h"
 #include "search/testing/StraightforwardSearch.h"

@@ -28,7 +28,7 @@
 #include <cstring>
 #include <vector>
 
-#include "bench/simulated_memory.h"
+#include "bench/SimulatedMemory.h"
 #include "kez/kez.h"
 #include "search/DistanceScan.h"
 #include "search/testing/StraightforwardSearch.h"

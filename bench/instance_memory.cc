@@ -7,7 +7,7 @@
 #include <new>
 #include <vector>
 
-#include "bench/simulated_memory.h"
+#include "bench/SimulatedMemory.h"
 #include "kez/kez.h"
 #include "support/CountingAllocator.h"
 

@@ -44,6 +44,14 @@ function(kez_add_shared_library)
     target_link_options(kez PRIVATE "-Wl,-z,max-page-size=16384")
   endif()
   target_link_options(kez PRIVATE "-Wl,--no-undefined")
+  # Off Android the library carries its version: libkez.so.1.4.21, with the
+  # SONAME libkez.so.1 (the major version changes when the C interface
+  # breaks) and libkez.so for the linker. An app loads the plain libkez.so
+  # with System.loadLibrary("kez"), so Android keeps the unversioned name.
+  if(NOT CMAKE_SYSTEM_NAME STREQUAL "Android")
+    set_target_properties(kez PROPERTIES
+      VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  endif()
 endfunction()
 
 # kez_component_here(NAME [DEPENDS other ...])

@@ -4,8 +4,7 @@
 # *_test.cc files goes into the static library NAME (linked with LIBS, its
 # folder on the include path), and every *_test.cc file becomes a test
 # binary linked with it. main.cc, if present, is the tool's own program and is
-# added by the folder itself. The library is position independent, so that
-# the Python extension can link it.
+# added by the folder itself.
 function(kez_tool_library name)
   cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
   file(GLOB all CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cc)
@@ -19,7 +18,6 @@ function(kez_tool_library name)
     endif()
   endforeach()
   add_library(${name} STATIC ${sources})
-  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
   target_include_directories(${name} PUBLIC
     ${CMAKE_CURRENT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
   target_link_libraries(${name} PUBLIC ${ARG_LIBS})

@@ -14,6 +14,6 @@ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DKEZ_BUILD_TOOLS=OFF -DKEZ_BUILD_JAVA=OFF -DKEZ_BUILD_BENCHMARKS=OFF \
   "-DCMAKE_C_FLAGS=$flags" "-DCMAKE_CXX_FLAGS=$flags" \
   "-DCMAKE_EXE_LINKER_FLAGS=$flags" "-DCMAKE_SHARED_LINKER_FLAGS=$flags"
-cmake --build "$build" -j "$(nproc)" --target threads_test
+cmake --build "$build" -j "$(nproc)" --target InstanceThreads_test
 TSAN_OPTIONS=${TSAN_OPTIONS:-halt_on_error=1:second_deadlock_stack=1} \
-  ctest --test-dir "$build" -R '^threads_test$' --output-on-failure
+  ctest --test-dir "$build" -R '^InstanceThreads_test$' --output-on-failure

@@ -1,5 +1,5 @@
 // Memory base: the ring, gaps, configuration, copies and the search's rules
-// on small hand-made histories. search_reference_test.cc compares the search
+// on small hand-made histories. VelqaSPBaseReference_test.cc compares the search
 // with a brute-force reference on random histories.
 #include "search/VelqaSPBase.h"
 

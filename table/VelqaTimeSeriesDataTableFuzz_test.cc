@@ -7,7 +7,7 @@
 
 #include "gtest/gtest.h"
 #include "table/VelqaTimeSeriesDataTable.h"
-#include "table/table_test_util.h"
+#include "table/TableTestUtil.h"
 
 namespace {
 

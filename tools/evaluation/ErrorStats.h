@@ -7,8 +7,8 @@
 // the squared differences between a forecast probability and what happened
 // (the Brier score). Every statistic of an empty accumulator is NaN, never a
 // division by zero; printers show it as "-".
-#ifndef KEZ_TOOLS_EVAL_ERROR_STATS_H_
-#define KEZ_TOOLS_EVAL_ERROR_STATS_H_
+#ifndef KEZ_TOOLS_EVALUATION_ERRORSTATS_H_
+#define KEZ_TOOLS_EVALUATION_ERRORSTATS_H_
 
 #include <cstddef>
 #include <vector>
@@ -57,4 +57,4 @@ class ProbabilityScore {
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_EVAL_ERROR_STATS_H_
+#endif  // KEZ_TOOLS_EVALUATION_ERRORSTATS_H_

@@ -3,8 +3,8 @@
 // variant, one line per method (the forecaster drawn boldest), with axes,
 // grid, a legend and the number of pairs under each panel. Horizons without
 // pairs leave a break in the line.
-#ifndef KEZ_TOOLS_EVAL_ERROR_CHART_H_
-#define KEZ_TOOLS_EVAL_ERROR_CHART_H_
+#ifndef KEZ_TOOLS_KEZ_EVAL_ERRORCHART_H_
+#define KEZ_TOOLS_KEZ_EVAL_ERRORCHART_H_
 
 #include <ostream>
 #include <string>
@@ -18,4 +18,4 @@ void WriteErrorChart(std::ostream& out, const LogEvaluation& result,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_EVAL_ERROR_CHART_H_
+#endif  // KEZ_TOOLS_KEZ_EVAL_ERRORCHART_H_

@@ -3,8 +3,8 @@
 // baseline, and notes on what was left out), a tidy CSV (one value a row)
 // and JSON. A statistic without any pair prints as "-" (text), an empty cell
 // (CSV) or null (JSON).
-#ifndef KEZ_TOOLS_EVAL_EVAL_REPORT_H_
-#define KEZ_TOOLS_EVAL_EVAL_REPORT_H_
+#ifndef KEZ_TOOLS_KEZ_EVAL_EVALREPORT_H_
+#define KEZ_TOOLS_KEZ_EVAL_EVALREPORT_H_
 
 #include <ostream>
 #include <string>
@@ -46,4 +46,4 @@ std::vector<std::string> Verdict(const LogEvaluation& result);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_EVAL_EVAL_REPORT_H_
+#endif  // KEZ_TOOLS_KEZ_EVAL_EVALREPORT_H_

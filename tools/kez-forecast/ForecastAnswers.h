@@ -10,8 +10,8 @@
 // "now" when the last report's level already meets it (again exactly, in
 // percent), and has no step when the forecast does not reach it within its
 // horizon.
-#ifndef KEZ_TOOLS_FORECAST_ANSWERS_H_
-#define KEZ_TOOLS_FORECAST_ANSWERS_H_
+#ifndef KEZ_TOOLS_KEZ_FORECAST_FORECASTANSWERS_H_
+#define KEZ_TOOLS_KEZ_FORECAST_FORECASTANSWERS_H_
 
 #include <cstdint>
 #include <string>
@@ -48,4 +48,4 @@ int NearestStep(const Forecast& forecast, int64_t time_ms);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_FORECAST_ANSWERS_H_
+#endif  // KEZ_TOOLS_KEZ_FORECAST_FORECASTANSWERS_H_

@@ -1,8 +1,8 @@
 // Prints what kez-forecast found: what the replay did, whether the forecast
 // was learned from similar moments or extrapolated, the answers, and the
 // forecast table, as readable text, CSV (one row per step) or JSON.
-#ifndef KEZ_TOOLS_FORECAST_OUTPUT_H_
-#define KEZ_TOOLS_FORECAST_OUTPUT_H_
+#ifndef KEZ_TOOLS_KEZ_FORECAST_FORECASTOUTPUT_H_
+#define KEZ_TOOLS_KEZ_FORECAST_FORECASTOUTPUT_H_
 
 #include <cstdint>
 #include <ostream>
@@ -48,4 +48,4 @@ std::string DescribeAnswerTime(const Answer& answer, const Forecast& forecast,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_FORECAST_OUTPUT_H_
+#endif  // KEZ_TOOLS_KEZ_FORECAST_FORECASTOUTPUT_H_

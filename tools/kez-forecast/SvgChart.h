@@ -4,8 +4,8 @@
 // shaded band, a "now" line, time and percent axes and a legend. When the
 // log goes on after the forecast point (kez-forecast --at), what it logged
 // next is drawn dashed for comparison.
-#ifndef KEZ_TOOLS_SVG_CHART_H_
-#define KEZ_TOOLS_SVG_CHART_H_
+#ifndef KEZ_TOOLS_KEZ_FORECAST_SVGCHART_H_
+#define KEZ_TOOLS_KEZ_FORECAST_SVGCHART_H_
 
 #include <cstdint>
 #include <ostream>
@@ -32,4 +32,4 @@ void WriteSvgChart(std::ostream& out, const ChartInput& input);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_SVG_CHART_H_
+#endif  // KEZ_TOOLS_KEZ_FORECAST_SVGCHART_H_

@@ -7,8 +7,8 @@
 // countA, countB, extra); a later operator's inputs are positions in the
 // output of the operator before it. A lo_pass_filter shows its factor in
 // brackets.
-#ifndef KEZ_TOOLS_TUNE_FEATURE_DESCRIPTION_H_
-#define KEZ_TOOLS_TUNE_FEATURE_DESCRIPTION_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_FEATUREDESCRIPTION_H_
+#define KEZ_TOOLS_KEZ_TUNE_FEATUREDESCRIPTION_H_
 
 #include <string>
 #include <vector>
@@ -19,4 +19,4 @@ std::vector<std::string> DescribeFeatures(const std::vector<double>& genome);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_FEATURE_DESCRIPTION_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_FEATUREDESCRIPTION_H_

@@ -14,8 +14,8 @@
 // When the core finds no similar past moment its forecast is empty and the
 // level is taken to stay as it is (counted as not learned), so that every
 // feature set is judged on the same forecasts.
-#ifndef KEZ_TOOLS_TUNE_FEATURE_EVALUATION_H_
-#define KEZ_TOOLS_TUNE_FEATURE_EVALUATION_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_FEATUREEVALUATION_H_
+#define KEZ_TOOLS_KEZ_TUNE_FEATUREEVALUATION_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -57,4 +57,4 @@ double FeatureScore(const FeatureEvaluation& result,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_FEATURE_EVALUATION_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_FEATUREEVALUATION_H_

@@ -3,8 +3,8 @@
 // EvaluateFeatures with an instance of its own; results are pooled per set
 // and scored with the plan's objective horizons. The results do not depend
 // on the number of threads.
-#ifndef KEZ_TOOLS_TUNE_FEATURE_SET_EVALUATION_H_
-#define KEZ_TOOLS_TUNE_FEATURE_SET_EVALUATION_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_FEATURESETEVALUATION_H_
+#define KEZ_TOOLS_KEZ_TUNE_FEATURESETEVALUATION_H_
 
 #include <cstdint>
 #include <string>
@@ -40,4 +40,4 @@ bool EvaluateFeatureSets(const std::vector<kez_tools::Log>& logs,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_FEATURE_SET_EVALUATION_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_FEATURESETEVALUATION_H_

@@ -22,8 +22,8 @@
 // At the end the start (the default features) and the best are judged on
 // the fine grid; the start is kept unless the best is better there on the
 // tuning part; both are then judged on the held-out part.
-#ifndef KEZ_TOOLS_TUNE_FEATURE_TUNER_H_
-#define KEZ_TOOLS_TUNE_FEATURE_TUNER_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_FEATURETUNER_H_
+#define KEZ_TOOLS_KEZ_TUNE_FEATURETUNER_H_
 
 #include <cstddef>
 #include <functional>
@@ -74,4 +74,4 @@ bool TuneFeatures(const std::vector<kez_tools::Log>& logs,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_FEATURE_TUNER_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_FEATURETUNER_H_

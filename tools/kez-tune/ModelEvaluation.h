@@ -8,8 +8,8 @@
 // e.g. the Python package's fleet tuning): a PairEvaluator is handed the
 // jobs and returns every pair's evaluation, each made as EvaluatePair makes
 // it; pooling and scoring stay here.
-#ifndef KEZ_TOOLS_TUNE_MODEL_EVALUATION_H_
-#define KEZ_TOOLS_TUNE_MODEL_EVALUATION_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_MODELEVALUATION_H_
+#define KEZ_TOOLS_KEZ_TUNE_MODELEVALUATION_H_
 
 #include <cstdint>
 #include <functional>
@@ -57,4 +57,4 @@ bool EvaluateModels(const std::vector<kez_tools::Log>& logs,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_MODEL_EVALUATION_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_MODELEVALUATION_H_

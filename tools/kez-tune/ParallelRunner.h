@@ -3,8 +3,8 @@
 // which job depends on timing, but a job writes only its own result slot
 // (chosen by its index) and the caller reads the slots in index order: the
 // outcome never depends on thread timing or on the number of threads.
-#ifndef KEZ_TOOLS_TUNE_PARALLEL_RUNNER_H_
-#define KEZ_TOOLS_TUNE_PARALLEL_RUNNER_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_PARALLELRUNNER_H_
+#define KEZ_TOOLS_KEZ_TUNE_PARALLELRUNNER_H_
 
 #include <cstddef>
 #include <functional>
@@ -19,4 +19,4 @@ void RunParallel(size_t count, int threads,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_PARALLEL_RUNNER_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_PARALLELRUNNER_H_

@@ -2,8 +2,8 @@
 // routine) and a tuning plan scaled to it (4-day warm-up, coarse forecast
 // grids, three objective horizons), so that a whole tuning run takes well
 // under a second.
-#ifndef KEZ_TOOLS_TUNE_SMALL_TUNE_SETUP_H_
-#define KEZ_TOOLS_TUNE_SMALL_TUNE_SETUP_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_SMALLTUNESETUP_H_
+#define KEZ_TOOLS_KEZ_TUNE_SMALLTUNESETUP_H_
 
 #include <cstdint>
 #include <vector>
@@ -39,4 +39,4 @@ inline TunePlan SmallTunePlan(int generations, uint64_t seed) {
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_SMALL_TUNE_SETUP_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_SMALLTUNESETUP_H_

@@ -1,8 +1,8 @@
 // Small helpers shared by the tuners: the time spent since a moment, and the
 // order of scores (lower is better; a score that could not be measured, NaN,
 // is worst).
-#ifndef KEZ_TOOLS_TUNE_TUNE_CLOCK_H_
-#define KEZ_TOOLS_TUNE_TUNE_CLOCK_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_TUNECLOCK_H_
+#define KEZ_TOOLS_KEZ_TUNE_TUNECLOCK_H_
 
 #include <chrono>
 #include <cmath>
@@ -22,4 +22,4 @@ inline bool Better(double a, double b) {
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_TUNE_CLOCK_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_TUNECLOCK_H_

@@ -15,8 +15,8 @@
 // horizons (each horizon counts the same; horizons without any pair are
 // left out). By default those are 4, 8, 12 and 24 hours: the horizons at
 // which a forecast is worth more than the running rates. Lower is better.
-#ifndef KEZ_TOOLS_TUNE_TUNE_PLAN_H_
-#define KEZ_TOOLS_TUNE_TUNE_PLAN_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_TUNEPLAN_H_
+#define KEZ_TOOLS_KEZ_TUNE_TUNEPLAN_H_
 
 #include <cstdint>
 #include <string>
@@ -84,4 +84,4 @@ std::string HorizonList(const std::vector<int64_t>& horizons_ms);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_TUNE_PLAN_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_TUNEPLAN_H_

@@ -3,8 +3,8 @@
 // fine grid of the tuning part and of the held-out part, the weights (or the
 // feature set), and per log and horizon the level error of the start and of
 // the result on the held-out part.
-#ifndef KEZ_TOOLS_TUNE_TUNE_REPORT_H_
-#define KEZ_TOOLS_TUNE_TUNE_REPORT_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_TUNEREPORT_H_
+#define KEZ_TOOLS_KEZ_TUNE_TUNEREPORT_H_
 
 #include <ostream>
 #include <string>
@@ -32,4 +32,4 @@ void WriteFeatureReport(std::ostream& out, const ReportContext& context,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_TUNE_REPORT_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_TUNEREPORT_H_

@@ -4,8 +4,8 @@
 // same factor; signs never change. Every candidate is rounded as the
 // parameter file stores it and stays within the weight floor and ceiling
 // (WeightVector.h).
-#ifndef KEZ_TOOLS_TUNE_WEIGHT_MUTATION_H_
-#define KEZ_TOOLS_TUNE_WEIGHT_MUTATION_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_WEIGHTMUTATION_H_
+#define KEZ_TOOLS_KEZ_TUNE_WEIGHTMUTATION_H_
 
 #include <string>
 #include <vector>
@@ -45,4 +45,4 @@ WeightIndividual MakeOffspring(const std::vector<WeightIndividual>& parents,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_WEIGHT_MUTATION_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_WEIGHTMUTATION_H_

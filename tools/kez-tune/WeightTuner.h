@@ -26,8 +26,8 @@
 // in a fixed order, so the same seed gives the same result on any number of
 // threads. With `evaluate_pairs`, every evaluation (search and final) is
 // handed to it instead (see ModelEvaluation.h); the search is the same.
-#ifndef KEZ_TOOLS_TUNE_WEIGHT_TUNER_H_
-#define KEZ_TOOLS_TUNE_WEIGHT_TUNER_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_WEIGHTTUNER_H_
+#define KEZ_TOOLS_KEZ_TUNE_WEIGHTTUNER_H_
 
 #include <cstddef>
 #include <functional>
@@ -79,4 +79,4 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_WEIGHT_TUNER_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_WEIGHTTUNER_H_

@@ -7,8 +7,8 @@
 // table weight below 1e-5 in magnitude would drop its feature and shift the
 // later ones, which breaks the forecast's reading of features by position.
 // Signs are kept (a zero becomes +kWeightFloor).
-#ifndef KEZ_TOOLS_TUNE_WEIGHT_VECTOR_H_
-#define KEZ_TOOLS_TUNE_WEIGHT_VECTOR_H_
+#ifndef KEZ_TOOLS_KEZ_TUNE_WEIGHTVECTOR_H_
+#define KEZ_TOOLS_KEZ_TUNE_WEIGHTVECTOR_H_
 
 #include <array>
 
@@ -37,4 +37,4 @@ const char* WeightName(int index);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TUNE_WEIGHT_VECTOR_H_
+#endif  // KEZ_TOOLS_KEZ_TUNE_WEIGHTVECTOR_H_

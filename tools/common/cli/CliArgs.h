@@ -1,8 +1,8 @@
 // Small helpers for the tools' command lines: "--name=value" is split into
 // "--name" "value", and numbers are read whole and range-checked, so that
 // "--days 3x" is an error and not 3.
-#ifndef KEZ_TOOLS_CLI_ARGS_H_
-#define KEZ_TOOLS_CLI_ARGS_H_
+#ifndef KEZ_TOOLS_COMMON_CLI_CLIARGS_H_
+#define KEZ_TOOLS_COMMON_CLI_CLIARGS_H_
 
 #include <cstdint>
 #include <string>
@@ -37,4 +37,4 @@ bool ParseNumber(const std::string& text, double lo, double hi, double* value);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_CLI_ARGS_H_
+#endif  // KEZ_TOOLS_COMMON_CLI_CLIARGS_H_

@@ -7,8 +7,8 @@
 //   --local             show and read times in the local time zone (TZ)
 // and the tools' messages: "TOOL: error" on standard error with exit status 2
 // for a wrong command line (Usage) or 1 for a failure (Fail).
-#ifndef KEZ_TOOLS_COMMON_OPTIONS_H_
-#define KEZ_TOOLS_COMMON_OPTIONS_H_
+#ifndef KEZ_TOOLS_COMMON_CLI_COMMONOPTIONS_H_
+#define KEZ_TOOLS_COMMON_CLI_COMMONOPTIONS_H_
 
 #include <string>
 
@@ -56,4 +56,4 @@ std::string LibraryVersion();
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_COMMON_OPTIONS_H_
+#endif  // KEZ_TOOLS_COMMON_CLI_COMMONOPTIONS_H_

@@ -1,8 +1,8 @@
 // Reads a list of forecast horizons given on a command line: hours,
 // comma-separated ("1,2,4,8,12,24"), each a whole number of 10-minute steps
 // from 1/6 h to 720 h. The result is sorted and without repeats.
-#ifndef KEZ_TOOLS_EVAL_HORIZON_LIST_H_
-#define KEZ_TOOLS_EVAL_HORIZON_LIST_H_
+#ifndef KEZ_TOOLS_COMMON_CLI_HORIZONLIST_H_
+#define KEZ_TOOLS_COMMON_CLI_HORIZONLIST_H_
 
 #include <cstdint>
 #include <string>
@@ -17,4 +17,4 @@ bool ParseHorizonList(const std::string& name, const std::string& text,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_EVAL_HORIZON_LIST_H_
+#endif  // KEZ_TOOLS_COMMON_CLI_HORIZONLIST_H_

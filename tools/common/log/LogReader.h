@@ -18,8 +18,8 @@
 // or not a whole number of milliseconds, a level outside 0..100, a charging
 // state outside 0..1, a time earlier than the line before (logs are in time
 // order; equal times are accepted), and a log without any sample.
-#ifndef KEZ_TOOLS_LOG_READER_H_
-#define KEZ_TOOLS_LOG_READER_H_
+#ifndef KEZ_TOOLS_COMMON_LOG_LOGREADER_H_
+#define KEZ_TOOLS_COMMON_LOG_LOGREADER_H_
 
 #include <istream>
 #include <string>
@@ -39,4 +39,4 @@ bool ReadLogFile(const std::string& path, LogFormat format, Log* log,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_LOG_READER_H_
+#endif  // KEZ_TOOLS_COMMON_LOG_LOGREADER_H_

@@ -9,8 +9,8 @@
 //
 // A Log is a list of samples in time order (times never decrease; the reader
 // guarantees it) and never empty once read successfully.
-#ifndef KEZ_TOOLS_LOG_SAMPLE_H_
-#define KEZ_TOOLS_LOG_SAMPLE_H_
+#ifndef KEZ_TOOLS_COMMON_LOG_LOGSAMPLE_H_
+#define KEZ_TOOLS_COMMON_LOG_LOGSAMPLE_H_
 
 #include <cstdint>
 #include <string>
@@ -45,4 +45,4 @@ struct Log {
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_LOG_SAMPLE_H_
+#endif  // KEZ_TOOLS_COMMON_LOG_LOGSAMPLE_H_

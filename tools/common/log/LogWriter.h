@@ -4,8 +4,8 @@
 // kez_addStatusValues reads; see WriteStatusLines). Numbers are written in the
 // shortest form that reads back to the same double. LogReader reads both
 // back to the same samples.
-#ifndef KEZ_TOOLS_LOG_WRITER_H_
-#define KEZ_TOOLS_LOG_WRITER_H_
+#ifndef KEZ_TOOLS_COMMON_LOG_LOGWRITER_H_
+#define KEZ_TOOLS_COMMON_LOG_LOGWRITER_H_
 
 #include <ostream>
 #include <string>
@@ -33,4 +33,4 @@ void WriteStatusLines(std::ostream& out, const Log& log,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_LOG_WRITER_H_
+#endif  // KEZ_TOOLS_COMMON_LOG_LOGWRITER_H_

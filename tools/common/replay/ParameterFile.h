@@ -4,8 +4,8 @@
 // and eleven weights (lines 5 to 15) that are numbers. A damaged file would
 // otherwise load silently as repeated or zero weights. The integer settings
 // are not in the file; the record keeps the ones it had.
-#ifndef KEZ_TOOLS_PARAMETER_FILE_H_
-#define KEZ_TOOLS_PARAMETER_FILE_H_
+#ifndef KEZ_TOOLS_COMMON_REPLAY_PARAMETERFILE_H_
+#define KEZ_TOOLS_COMMON_REPLAY_PARAMETERFILE_H_
 
 #include <string>
 
@@ -21,4 +21,4 @@ bool LoadParameterFile(const std::string& path,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_PARAMETER_FILE_H_
+#endif  // KEZ_TOOLS_COMMON_REPLAY_PARAMETERFILE_H_

@@ -1,8 +1,8 @@
 // A simulated phone user's routine: when they sleep, how they use and charge
 // the phone. Times are minutes after local midnight (a bed time past
 // midnight is above 1440). Rates are battery percent per hour.
-#ifndef KEZ_TOOLS_SIM_PROFILE_H_
-#define KEZ_TOOLS_SIM_PROFILE_H_
+#ifndef KEZ_TOOLS_COMMON_SIMULATION_SIMPROFILE_H_
+#define KEZ_TOOLS_COMMON_SIMULATION_SIMPROFILE_H_
 
 #include <string>
 #include <vector>
@@ -49,4 +49,4 @@ bool FindSimProfile(const std::string& name, SimProfile* profile);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_SIM_PROFILE_H_
+#endif  // KEZ_TOOLS_COMMON_SIMULATION_SIMPROFILE_H_

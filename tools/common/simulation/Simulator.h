@@ -15,8 +15,8 @@
 //   countA         apps opened since the previous report
 //   countB1        notifications since the previous report
 //   countB2        messages and calls since the previous report
-#ifndef KEZ_TOOLS_SIMULATOR_H_
-#define KEZ_TOOLS_SIMULATOR_H_
+#ifndef KEZ_TOOLS_COMMON_SIMULATION_SIMULATOR_H_
+#define KEZ_TOOLS_COMMON_SIMULATION_SIMULATOR_H_
 
 #include <cstdint>
 
@@ -39,4 +39,4 @@ Log Simulate(const SimOptions& options);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_SIMULATOR_H_
+#endif  // KEZ_TOOLS_COMMON_SIMULATION_SIMULATOR_H_

@@ -2,8 +2,8 @@
 // zone machinery: days since 1970-01-01 to and from year/month/day, weekday.
 // Pure integer arithmetic, identical on every platform. Valid for any
 // proleptic Gregorian date.
-#ifndef KEZ_TOOLS_CIVIL_TIME_H_
-#define KEZ_TOOLS_CIVIL_TIME_H_
+#ifndef KEZ_TOOLS_COMMON_TEXT_CIVILTIME_H_
+#define KEZ_TOOLS_COMMON_TEXT_CIVILTIME_H_
 
 #include <cstdint>
 
@@ -30,4 +30,4 @@ int64_t FloorDiv(int64_t a, int64_t b);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_CIVIL_TIME_H_
+#endif  // KEZ_TOOLS_COMMON_TEXT_CIVILTIME_H_

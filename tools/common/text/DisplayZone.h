@@ -1,8 +1,8 @@
 // The time zone in which tools show and read wall-clock times: UTC (the
 // default), a fixed offset from UTC, or the system's local time (the TZ
 // environment variable, through the C library).
-#ifndef KEZ_TOOLS_DISPLAY_ZONE_H_
-#define KEZ_TOOLS_DISPLAY_ZONE_H_
+#ifndef KEZ_TOOLS_COMMON_TEXT_DISPLAYZONE_H_
+#define KEZ_TOOLS_COMMON_TEXT_DISPLAYZONE_H_
 
 #include <cstdint>
 #include <string>
@@ -42,4 +42,4 @@ class DisplayZone {
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_DISPLAY_ZONE_H_
+#endif  // KEZ_TOOLS_COMMON_TEXT_DISPLAYZONE_H_

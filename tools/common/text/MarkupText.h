@@ -1,7 +1,7 @@
 // Text escaping and number formatting for the tools' machine-readable and
 // drawn output: JSON strings, SVG (XML) text, and SVG coordinates.
-#ifndef KEZ_TOOLS_MARKUP_TEXT_H_
-#define KEZ_TOOLS_MARKUP_TEXT_H_
+#ifndef KEZ_TOOLS_COMMON_TEXT_MARKUPTEXT_H_
+#define KEZ_TOOLS_COMMON_TEXT_MARKUPTEXT_H_
 
 #include <string>
 
@@ -17,4 +17,4 @@ std::string SvgNumber(double v);
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_MARKUP_TEXT_H_
+#endif  // KEZ_TOOLS_COMMON_TEXT_MARKUPTEXT_H_

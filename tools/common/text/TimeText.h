@@ -1,8 +1,8 @@
 // Wall-clock times and durations as text, both ways, for the tools' options
 // and output. Every time is Unix milliseconds (UTC); the DisplayZone decides
 // the wall clock that people see and type.
-#ifndef KEZ_TOOLS_TIME_TEXT_H_
-#define KEZ_TOOLS_TIME_TEXT_H_
+#ifndef KEZ_TOOLS_COMMON_TEXT_TIMETEXT_H_
+#define KEZ_TOOLS_COMMON_TEXT_TIMETEXT_H_
 
 #include <cstdint>
 #include <string>
@@ -40,4 +40,4 @@ int64_t NextClockTime(int64_t after_ms, int minute_of_day,
 
 }  // namespace kez_tools
 
-#endif  // KEZ_TOOLS_TIME_TEXT_H_
+#endif  // KEZ_TOOLS_COMMON_TEXT_TIMETEXT_H_

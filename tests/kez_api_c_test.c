@@ -119,6 +119,6 @@ int main(void) {
     fprintf(stderr, "%d checks failed\n", failures);
     return 1;
   }
-  printf("c_api_test: all checks passed\n");
+  printf("kez_api_c_test: all checks passed\n");
   return 0;
 }
