@@ -65,6 +65,8 @@ const char kUsage[] =
     "replay:\n"
     "  --status-lines     the logs hold the host's status lines, not CSV\n"
     KEZ_REPLAY_OPTIONS_HELP
+    "reading:\n"
+    KEZ_READ_OPTIONS_HELP
     "output:\n"
     "  --format F         text (default), csv (log,condition,method,\n"
     "                     horizon_h,metric,value,n) or json\n"
@@ -116,12 +118,16 @@ int main(int argc, char** argv) {
   std::string format = "text", svg, from_text, to_text, params, error;
   LogFormat log_format = LogFormat::kCsv;
   EvalOptions options;
+  LogReadSettings read_settings;
   DisplayZone zone = DisplayZone::Utc();
   while (!args.Done()) {
     std::string a = args.Take();
     OptionResult taken = TakeReplayOption(args, a, &options.replay, &error);
     if (taken == OptionResult::kNotMine) {
       taken = TakeZoneOption(args, a, &zone, &error);
+    }
+    if (taken == OptionResult::kNotMine) {
+      taken = TakeLogReadOption(args, a, &read_settings, &error);
     }
     if (taken == OptionResult::kBad) return Usage(error);
     if (taken == OptionResult::kTaken) continue;
@@ -190,9 +196,14 @@ int main(int argc, char** argv) {
 
   // Every log is read before the first replay, so that a typo in the last
   // one is reported at once.
+  LogReadOptions read_options;
+  if (!ResolveLogReadOptions(read_settings, log_format, &read_options,
+                             &error)) {
+    return Fail(error);
+  }
   std::vector<Log> logs(paths.size());
   for (size_t i = 0; i < paths.size(); ++i) {
-    if (!ReadLogFile(paths[i], log_format, &logs[i], &error)) {
+    if (!kMessages.ReadLog(paths[i], read_options, &logs[i], &error)) {
       return Fail(error);
     }
     if (paths[i] == "-") logs[i].source = "standard input";

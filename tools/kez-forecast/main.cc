@@ -56,6 +56,8 @@ const char kUsage[] =
     "replay:\n"
     "  --status-lines     LOG holds the host's status lines, not CSV\n"
     KEZ_REPLAY_OPTIONS_HELP
+    "reading:\n"
+    KEZ_READ_OPTIONS_HELP
     "\n"
     "  -h, --help         this text;  --version  the library's version\n"
     "\n"
@@ -74,6 +76,7 @@ int main(int argc, char** argv) {
   bool has_path = false;
   LogFormat log_format = LogFormat::kCsv;
   ReplayOptions replay;
+  LogReadSettings read_settings;
   int steps = 144, every = 3, level = 20;
   bool wanted[kVariantCount] = {true, true, true};
   DisplayZone zone = DisplayZone::Utc();
@@ -82,6 +85,9 @@ int main(int argc, char** argv) {
     OptionResult taken = TakeReplayOption(args, a, &replay, &error);
     if (taken == OptionResult::kNotMine) {
       taken = TakeZoneOption(args, a, &zone, &error);
+    }
+    if (taken == OptionResult::kNotMine) {
+      taken = TakeLogReadOption(args, a, &read_settings, &error);
     }
     if (taken == OptionResult::kBad) return Usage(error);
     if (taken == OptionResult::kTaken) continue;
@@ -155,8 +161,13 @@ int main(int argc, char** argv) {
     return Fail(error);
   }
 
+  LogReadOptions read_options;
+  if (!ResolveLogReadOptions(read_settings, log_format, &read_options,
+                             &error)) {
+    return Fail(error);
+  }
   Log log;
-  if (!ReadLogFile(path, log_format, &log, &error)) return Fail(error);
+  if (!kMessages.ReadLog(path, read_options, &log, &error)) return Fail(error);
   const int64_t first = log.samples.front().time_ms;
   const int64_t last = log.samples.back().time_ms;
   if (at_ms >= 0 && at_ms < first) {

@@ -82,6 +82,8 @@ const char kUsage[] =
     "replay:\n"
     "  --status-lines     the logs hold the host's status lines, not CSV\n"
     KEZ_REPLAY_OPTIONS_HELP
+    "reading:\n"
+    KEZ_READ_OPTIONS_HELP
     "output:\n"
     "  --out FILE         weights: write the result as a parameter file\n"
     "                     (accuracy = its objective on the tuning part);\n"
@@ -177,11 +179,15 @@ int main(int argc, char** argv) {
   bool features = false, quiet = false, offspring_given = false;
   kez_tools::LogFormat format = kez_tools::LogFormat::kCsv;
   std::string out_path, start_path, error;
+  kez_tools::LogReadSettings read_settings;
   std::vector<std::string> paths;
   while (!args.Done()) {
     const std::string a = args.Take();
     kez_tools::OptionResult taken =
         kez_tools::TakeReplayOption(args, a, &plan.replay, &error);
+    if (taken == kez_tools::OptionResult::kNotMine) {
+      taken = kez_tools::TakeLogReadOption(args, a, &read_settings, &error);
+    }
     if (taken == kez_tools::OptionResult::kBad) return Usage(error);
     if (taken == kez_tools::OptionResult::kTaken) continue;
     int64_t n;
@@ -276,9 +282,14 @@ int main(int argc, char** argv) {
       !kez_tools::LoadParameterFile(start_path, &start, &error)) {
     return Fail(error);
   }
+  kez_tools::LogReadOptions read_options;
+  if (!kez_tools::ResolveLogReadOptions(read_settings, format, &read_options,
+                                        &error)) {
+    return Fail(error);
+  }
   std::vector<kez_tools::Log> logs(paths.size());
   for (size_t i = 0; i < paths.size(); ++i) {
-    if (!kez_tools::ReadLogFile(paths[i], format, &logs[i], &error)) {
+    if (!kMessages.ReadLog(paths[i], read_options, &logs[i], &error)) {
       return Fail(error);
     }
   }

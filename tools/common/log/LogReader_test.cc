@@ -131,8 +131,9 @@ TEST(LogReader, RejectsBadInputWithLineAndReason) {
       {"", "t.csv: the log is empty"},
       {"\n\n", "t.csv: the log is empty (no header)"},
       {h, "t.csv: the log holds no sample"},
-      {"time,level,charging\n1,2,0\n",
-       "t.csv:1: the header has no column 'time_ms': not a battery log"},
+      {"when,level,charging\n1,2,0\n",
+       "t.csv:1: the header has no column 'time_ms' nor any other time "
+       "column"},
       {"1000,50,0\n", "use --status-lines"},
       {"time_ms,level_percent,charging,time_ms\n", "names column 'time_ms' twice"},
       {h + "1000,50\n", "t.csv:2: 2 cells, but the header has 3"},
