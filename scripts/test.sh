@@ -3,7 +3,8 @@
 # the JVM tests of the Java binding, the year-long soak and valgrind over the
 # command-line demo), then the library and its unit tests cross-built for
 # arm64 and run under qemu, with the check that arm64 forecasts of the
-# bundled log are bit-identical to the native ones, and last the reliability
+# bundled log are bit-identical to the native ones, the install check, the
+# Python package's tests (pytest, with a local Dask cluster), and last the reliability
 # stages of docs/RELIABILITY.md: sanitizers with coverage, fuzzing and
 # ThreadSanitizer.
 set -euo pipefail
@@ -43,6 +44,7 @@ arm64() {
 stage "native build and tests" native
 stage "arm64 build and tests" arm64
 stage "install and packages" scripts/test-install.sh
+stage "Python package" scripts/test-python.sh
 stage "sanitizers and coverage" scripts/test-sanitize.sh
 stage "fuzzing" scripts/test-fuzz.sh
 stage "ThreadSanitizer" scripts/test-tsan.sh

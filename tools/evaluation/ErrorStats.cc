@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace kez_tools {
 
@@ -18,6 +19,13 @@ void ErrorStats::Add(double absolute_error) {
 void ErrorStats::Merge(const ErrorStats& other) {
   errors_.insert(errors_.end(), other.errors_.begin(), other.errors_.end());
   sum_ += other.sum_;
+}
+
+ErrorStats ErrorStats::FromState(std::vector<double> errors, double sum) {
+  ErrorStats e;
+  e.errors_ = std::move(errors);
+  e.sum_ = sum;
+  return e;
 }
 
 double ErrorStats::Mean() const {
@@ -42,6 +50,13 @@ void ProbabilityScore::Add(double probability, bool outcome) {
 void ProbabilityScore::Merge(const ProbabilityScore& other) {
   sum_ += other.sum_;
   count_ += other.count_;
+}
+
+ProbabilityScore ProbabilityScore::FromState(double sum, size_t count) {
+  ProbabilityScore p;
+  p.sum_ = sum;
+  p.count_ = count;
+  return p;
 }
 
 double ProbabilityScore::Brier() const {

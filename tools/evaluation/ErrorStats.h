@@ -24,6 +24,14 @@ class ErrorStats {
   double Mean() const;
   double Percentile90() const;
 
+  // The whole state, for moving results between processes
+  // (EvaluationCodec.h): the errors in the order added, and their running
+  // sum (kept, not summed again, so that a moved result pools to the same
+  // last digit).
+  const std::vector<double>& errors() const { return errors_; }
+  double sum() const { return sum_; }
+  static ErrorStats FromState(std::vector<double> errors, double sum);
+
  private:
   std::vector<double> errors_;
   double sum_ = 0;
@@ -37,6 +45,10 @@ class ProbabilityScore {
 
   size_t count() const { return count_; }
   double Brier() const;
+
+  // The whole state (see ErrorStats::errors).
+  double sum() const { return sum_; }
+  static ProbabilityScore FromState(double sum, size_t count);
 
  private:
   double sum_ = 0;

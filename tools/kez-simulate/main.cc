@@ -1,7 +1,11 @@
 // kez-simulate: writes a realistic synthetic phone battery log (weeks of a
 // daily routine, reported as a host app reports) as CSV or status lines.
 // The same options always give the same file. See docs/TOOLS.md.
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -10,6 +14,7 @@
 #include "CliArgs.h"
 #include "DisplayZone.h"
 #include "LogWriter.h"
+#include "SimFleet.h"
 #include "SimProfile.h"
 #include "Simulator.h"
 #include "TimeText.h"
@@ -34,15 +39,62 @@ const char kUsage[] =
     "  --tz-offset HOURS wall clock of the routine, hours from UTC (default 0)\n"
     "  --format F        csv (default) or status (the host's status lines)\n"
     "  -o, --output FILE write to FILE instead of standard output\n"
+    "  --users N         a fleet: N users with their own routines, phones,\n"
+    "                    seasons and time zones, all from --seed, written\n"
+    "                    into the folder -o DIR as user-0001.csv ... and\n"
+    "                    fleet.csv (one line per user: what was drawn)\n"
     "  --list-profiles   list the routines and exit\n"
     "  -h, --help        this text\n"
     "\n"
-    "example: kez-simulate --days 35 --seed 7 -o week5.csv\n";
+    "example: kez-simulate --days 35 --seed 7 -o week5.csv\n"
+    "         kez-simulate --users 200 --days 60 --seed 3 -o fleet\n";
 
 int Usage(const std::string& error) {
   std::cerr << "kez-simulate: " << error << "\n"
             << "run kez-simulate --help for the options\n";
   return 2;
+}
+
+bool WriteLog(const std::string& path, const kez_tools::Log& log,
+              const std::string& format, int tz_offset_minutes) {
+  std::ofstream file(path, std::ios::binary);
+  if (!file) return false;
+  if (format == "csv") {
+    kez_tools::WriteCsv(file, log);
+  } else {
+    kez_tools::WriteStatusLines(
+        file, log, kez_tools::DisplayZone::FixedOffset(tz_offset_minutes));
+  }
+  file.flush();
+  return static_cast<bool>(file);
+}
+
+// Users 1..users of the fleet `seed` into `dir`.
+int WriteFleet(const std::string& dir, int users, int days, uint64_t seed,
+               const std::string& format) {
+  if (mkdir(dir.c_str(), 0777) != 0 && errno != EEXIST) {
+    std::cerr << "kez-simulate: cannot create the folder " << dir << "\n";
+    return 1;
+  }
+  std::ofstream list(dir + "/fleet.csv", std::ios::binary);
+  list << kez_tools::FleetHeader() << "\n";
+  for (int i = 1; i <= users; ++i) {
+    const kez_tools::FleetUser user = kez_tools::MakeFleetUser(seed, i, days);
+    const std::string path =
+        dir + "/" + user.name + (format == "csv" ? ".csv" : ".txt");
+    if (!WriteLog(path, kez_tools::Simulate(user.options), format,
+                  user.options.tz_offset_minutes)) {
+      std::cerr << "kez-simulate: cannot write " << path << "\n";
+      return 1;
+    }
+    list << kez_tools::FleetLine(user) << "\n";
+  }
+  list.flush();
+  if (!list) {
+    std::cerr << "kez-simulate: cannot write " << dir << "/fleet.csv\n";
+    return 1;
+  }
+  return 0;
 }
 
 }  // namespace
@@ -57,6 +109,8 @@ int main(int argc, char** argv) {
   SimOptions options;
   FindSimProfile("regular", &options.profile);
   std::string output, format = "csv", error;
+  int users = 0;
+  bool single_user_option = false;
   while (!args.Done()) {
     std::string a = args.Take();
     int64_t n;
@@ -70,6 +124,9 @@ int main(int argc, char** argv) {
                   << p.description << "\n";
       }
       return 0;
+    } else if (a == "--users") {
+      if (!args.Int(a, 1, 100000, &n, &error)) return Usage(error);
+      users = static_cast<int>(n);
     } else if (a == "--days") {
       if (!args.Int(a, 1, 3650, &n, &error)) return Usage(error);
       options.days = static_cast<int>(n);
@@ -77,6 +134,7 @@ int main(int argc, char** argv) {
       if (!args.Int(a, 0, INT64_MAX, &n, &error)) return Usage(error);
       options.seed = static_cast<uint64_t>(n);
     } else if (a == "--start") {
+      single_user_option = true;
       if (!args.Value(a, &v, &error)) return Usage(error);
       int64_t ms;
       if (v.size() != 10 || !ParseMoment(v, DisplayZone::Utc(), &ms, &error)) {
@@ -84,6 +142,7 @@ int main(int argc, char** argv) {
       }
       options.start_day = FloorDiv(ms, 86400000);
     } else if (a == "--profile") {
+      single_user_option = true;
       if (!args.Value(a, &v, &error)) return Usage(error);
       if (!FindSimProfile(v, &options.profile)) {
         return Usage("unknown profile '" + v +
@@ -93,6 +152,7 @@ int main(int argc, char** argv) {
       if (!args.Int(a, 1, 10, &n, &error)) return Usage(error);
       options.interval_minutes = static_cast<int>(n);
     } else if (a == "--tz-offset") {
+      single_user_option = true;
       double hours;
       if (!args.Number(a, -14, 14, &hours, &error)) return Usage(error);
       options.tz_offset_minutes = static_cast<int>(std::lround(hours * 60));
@@ -106,6 +166,17 @@ int main(int argc, char** argv) {
     } else {
       return Usage("unknown argument '" + a + "'");
     }
+  }
+
+  if (users > 0) {
+    if (single_user_option) {
+      return Usage("--users draws each user's routine, start and time zone; "
+                   "--profile, --start and --tz-offset are for one user");
+    }
+    if (output.empty() || output == "-") {
+      return Usage("--users needs a folder: -o DIR");
+    }
+    return WriteFleet(output, users, options.days, options.seed, format);
   }
 
   Log log = Simulate(options);

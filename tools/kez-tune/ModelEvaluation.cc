@@ -4,26 +4,43 @@
 
 namespace kez_tools {
 
+bool EvaluatePair(const kez_tools::Log& log, const TunePlan& plan,
+                  const ModelJob& job, kez_tools::LogEvaluation* result,
+                  std::string* error) {
+  kez_tools::EvalOptions options =
+      PartOptions(log, plan, job.part, job.every_ms, job.horizons_ms);
+  options.parameter = &job.model;
+  return kez_tools::EvaluateLog(log, options, result, error);
+}
+
 bool EvaluateModels(const std::vector<kez_tools::Log>& logs,
                     const TunePlan& plan, const std::vector<ModelJob>& jobs,
-                    std::vector<ModelResult>* results, std::string* error) {
+                    std::vector<ModelResult>* results, std::string* error,
+                    const PairEvaluator& evaluate_pairs) {
   const size_t per_job = logs.size();
   const size_t count = jobs.size() * per_job;
   std::vector<kez_tools::LogEvaluation> done(count);
-  std::vector<std::string> errors(count);
-  std::vector<char> ok(count, 0);
-  RunParallel(count, plan.threads, [&](size_t i) {
-    const ModelJob& job = jobs[i / per_job];
-    const kez_tools::Log& log = logs[i % per_job];
-    kez_tools::EvalOptions options =
-        PartOptions(log, plan, job.part, job.every_ms, job.horizons_ms);
-    options.parameter = &job.model;
-    ok[i] = kez_tools::EvaluateLog(log, options, &done[i], &errors[i]) ? 1 : 0;
-  });
-  for (size_t i = 0; i < count; ++i) {
-    if (!ok[i]) {
-      *error = errors[i];
+  if (evaluate_pairs) {
+    if (!evaluate_pairs(jobs, &done, error)) return false;
+    if (done.size() != count) {
+      *error = "the evaluator returned " + std::to_string(done.size()) +
+               " evaluations for " + std::to_string(count) + " pairs";
       return false;
+    }
+  } else {
+    std::vector<std::string> errors(count);
+    std::vector<char> ok(count, 0);
+    RunParallel(count, plan.threads, [&](size_t i) {
+      ok[i] = EvaluatePair(logs[i % per_job], plan, jobs[i / per_job], &done[i],
+                           &errors[i])
+                  ? 1
+                  : 0;
+    });
+    for (size_t i = 0; i < count; ++i) {
+      if (!ok[i]) {
+        *error = errors[i];
+        return false;
+      }
     }
   }
   results->assign(jobs.size(), ModelResult());

@@ -3,10 +3,16 @@
 // with an instance of its own (kez_tools::EvaluateLog); results are pooled
 // per model over the logs (kez_tools::Combine) and scored with the plan's
 // objective. The results do not depend on the number of threads.
+//
+// The pairs may also be evaluated elsewhere (other processes or machines,
+// e.g. the Python package's fleet tuning): a PairEvaluator is handed the
+// jobs and returns every pair's evaluation, each made as EvaluatePair makes
+// it; pooling and scoring stay here.
 #ifndef KEZ_TOOLS_KEZ_TUNE_MODELEVALUATION_H_
 #define KEZ_TOOLS_KEZ_TUNE_MODELEVALUATION_H_
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,11 +36,24 @@ struct ModelResult {
   double score = 0;  // the objective on `pooled` (NaN without pairs)
 };
 
-// Runs every job on every log. False with *error when an evaluation fails
-// (the first failure in job order is reported).
+// Evaluates every job on every log: (*evaluations)[j * logs + l] is job j
+// on log l. False with *error when an evaluation fails.
+using PairEvaluator = std::function<bool(
+    const std::vector<ModelJob>& jobs,
+    std::vector<kez_tools::LogEvaluation>* evaluations, std::string* error)>;
+
+// One job on one log, as every PairEvaluator must evaluate it.
+bool EvaluatePair(const kez_tools::Log& log, const TunePlan& plan,
+                  const ModelJob& job, kez_tools::LogEvaluation* result,
+                  std::string* error);
+
+// Runs every job on every log, with `evaluate_pairs` when given, else on the
+// plan's threads. False with *error when an evaluation fails (the first
+// failure in job order is reported).
 bool EvaluateModels(const std::vector<kez_tools::Log>& logs,
                     const TunePlan& plan, const std::vector<ModelJob>& jobs,
-                    std::vector<ModelResult>* results, std::string* error);
+                    std::vector<ModelResult>* results, std::string* error,
+                    const PairEvaluator& evaluate_pairs = PairEvaluator());
 
 }  // namespace kez_tools
 

@@ -47,7 +47,8 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
                  const vorn::MobilePowerPredictorParameter& start,
                  const TunePlan& plan, const WeightSearchOptions& options,
                  const std::function<void(const WeightGeneration&)>& progress,
-                 WeightTuneResult* result, std::string* error) {
+                 WeightTuneResult* result, std::string* error,
+                 const PairEvaluator& evaluate_pairs) {
   if (!CheckPlan(plan, error) || !CheckSearchOptions(options, error) ||
       !CheckLogs(logs, plan, error)) {
     return false;
@@ -74,7 +75,9 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
                          plan.objective_horizons_ms));
     }
     std::vector<ModelResult> results;
-    if (!EvaluateModels(logs, plan, jobs, &results, error)) return false;
+    if (!EvaluateModels(logs, plan, jobs, &results, error, evaluate_pairs)) {
+      return false;
+    }
     for (size_t j = 0; j < fresh.size(); ++j) cache[fresh[j]] = results[j].score;
     r.evaluations += fresh.size();
     for (WeightIndividual& c : *candidates) c.score = cache[c.weights];
@@ -135,7 +138,9 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
       Job(start, r.start, kHeldOutPart, plan.final_every_ms, horizons),
       Job(start, found, kHeldOutPart, plan.final_every_ms, horizons)};
   std::vector<ModelResult> finals;
-  if (!EvaluateModels(logs, plan, jobs, &finals, error)) return false;
+  if (!EvaluateModels(logs, plan, jobs, &finals, error, evaluate_pairs)) {
+    return false;
+  }
   r.start_tuning = finals[0];
   r.start_heldout = finals[2];
   r.start_kept = !Better(finals[1].score, finals[0].score);

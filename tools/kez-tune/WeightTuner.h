@@ -24,7 +24,8 @@
 // All random draws come from SeededRandom seeded with the plan's seed, in the
 // main thread; evaluations run in parallel but their results are collected
 // in a fixed order, so the same seed gives the same result on any number of
-// threads.
+// threads. With `evaluate_pairs`, every evaluation (search and final) is
+// handed to it instead (see ModelEvaluation.h); the search is the same.
 #ifndef KEZ_TOOLS_KEZ_TUNE_WEIGHTTUNER_H_
 #define KEZ_TOOLS_KEZ_TUNE_WEIGHTTUNER_H_
 
@@ -73,7 +74,8 @@ bool TuneWeights(const std::vector<kez_tools::Log>& logs,
                  const vorn::MobilePowerPredictorParameter& start,
                  const TunePlan& plan, const WeightSearchOptions& options,
                  const std::function<void(const WeightGeneration&)>& progress,
-                 WeightTuneResult* result, std::string* error);
+                 WeightTuneResult* result, std::string* error,
+                 const PairEvaluator& evaluate_pairs = PairEvaluator());
 
 }  // namespace kez_tools
 

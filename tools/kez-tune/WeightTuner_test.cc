@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "EvaluationCodec.h"
 #include "ModelEvaluation.h"
 #include "ParameterFile.h"
 #include "SmallTuneSetup.h"
@@ -38,13 +39,14 @@ struct TuneRun {
 
 TuneRun Tune(const TunePlan& plan, const WeightSearchOptions& search,
          const vorn::MobilePowerPredictorParameter& start =
-             vorn::MobilePowerPredictorParameter()) {
+             vorn::MobilePowerPredictorParameter(),
+         const PairEvaluator& evaluate_pairs = PairEvaluator()) {
   TuneRun run;
   std::string error;
   EXPECT_TRUE(TuneWeights(
       SmallLogs(), start, plan, search,
       [&](const WeightGeneration& g) { run.generations.push_back(g); },
-      &run.result, &error))
+      &run.result, &error, evaluate_pairs))
       << error;
   return run;
 }
@@ -70,6 +72,55 @@ TEST(WeightTunerTest, SameSeedGivesTheSameSearchOnOneOrTwoThreads) {
   plan.seed = 12;
   const TuneRun other = Tune(plan, SmallSearch());
   EXPECT_NE(one.generations[1].candidates, other.generations[1].candidates);
+}
+
+// Evaluations handed out (as the Python package hands them to other
+// processes: each pair alone, moved as bytes, returned in reverse order of
+// completion) leave the search as it was.
+TEST(WeightTunerTest, EvaluationsMadeElsewhereGiveTheSameSearch) {
+  const TuneRun here = Tune(SmallPlan(), SmallSearch());
+  size_t handed = 0;
+  PairEvaluator elsewhere = [&](const std::vector<ModelJob>& jobs,
+                                std::vector<LogEvaluation>* out,
+                                std::string* error) {
+    const size_t logs = SmallLogs().size();
+    out->assign(jobs.size() * logs, LogEvaluation());
+    for (size_t i = jobs.size() * logs; i-- > 0;) {
+      LogEvaluation made;
+      if (!EvaluatePair(SmallLogs()[i % logs], SmallPlan(), jobs[i / logs],
+                        &made, error) ||
+          !DecodeEvaluation(EncodeEvaluation(made), &(*out)[i], error)) {
+        return false;
+      }
+    }
+    handed += jobs.size();
+    return true;
+  };
+  const TuneRun there = Tune(SmallPlan(), SmallSearch(),
+                             vorn::MobilePowerPredictorParameter(), elsewhere);
+  // Every model judged went through the evaluator: the search's and the
+  // four final ones.
+  EXPECT_EQ(handed, here.result.evaluations + 4);
+  ASSERT_EQ(here.generations.size(), there.generations.size());
+  for (size_t g = 0; g < here.generations.size(); ++g) {
+    EXPECT_EQ(here.generations[g].candidates, there.generations[g].candidates);
+  }
+  EXPECT_EQ(here.result.best, there.result.best);
+  EXPECT_EQ(here.result.best_tuning.score, there.result.best_tuning.score);
+  EXPECT_EQ(here.result.best_heldout.score, there.result.best_heldout.score);
+
+  // A failing evaluator stops the search with its message.
+  WeightTuneResult result;
+  std::string error;
+  EXPECT_FALSE(TuneWeights(
+      SmallLogs(), vorn::MobilePowerPredictorParameter(), SmallPlan(),
+      SmallSearch(), nullptr, &result, &error,
+      [](const std::vector<ModelJob>&, std::vector<LogEvaluation>*,
+         std::string* e) {
+        *e = "worker lost";
+        return false;
+      }));
+  EXPECT_EQ(error, "worker lost");
 }
 
 TEST(WeightTunerTest, NeverEndsWorseThanTheStartOnTheTuningPart) {

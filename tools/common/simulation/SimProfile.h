@@ -37,6 +37,9 @@ struct SimProfile {
   double off_per_day = 0.02;
   // Notifications and messages per awake minute.
   double notifications = 0.05, messages = 0.012;
+  // Air temperature around the phone, degrees Celsius: the battery's
+  // temperature (logged as aux1) settles a few degrees above it.
+  double ambient = 25;
 };
 
 // The built-in routines: "regular", "shift", "heavy", "light".

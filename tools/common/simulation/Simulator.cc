@@ -178,7 +178,7 @@ class Phone {
       }
       if (dead_ && level_ >= 2) dead_ = false;
       if (screen) screen_minutes_ += 1;
-      double target = 25.0 + (screen ? 7.0 : 0.0) +
+      double target = p_.ambient + (screen ? 7.0 : 0.0) +
                       (plugged_ && level_ < 95 ? 9.0 : 0.0) +
                       rng_.Normal(0.0, 0.8);
       temperature_ = temperature_ + (target - temperature_) * 0.08;
@@ -225,7 +225,7 @@ class Phone {
   const SimProfile& p_;
   SeededRandom& rng_;
   double level_ = 70;
-  double temperature_ = 25;
+  double temperature_ = p_.ambient;
   bool plugged_ = false;
   bool dead_ = false;
   bool switched_off_ = false;
