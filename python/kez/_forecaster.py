@@ -10,10 +10,11 @@ from ._logs import as_native_log
 
 STEP_MS = 10 * 60 * 1000
 
-# The forecasting methods. "raw" is the library's memory-based forecaster
-# (what libkez.so answers through kez_predict). The adaptive forecaster is
-# to be added here, as the default, when it is part of the library.
-METHODS = ("raw",)
+# The forecasting methods. "adaptive" (the default) weighs the library's
+# forecaster and simple methods per user and horizon by their own scored
+# errors (what libkez.so answers through kez_adaptive_predict); "raw" is the
+# library's memory-based forecaster alone (kez_predict).
+METHODS = ("adaptive", "raw")
 
 VARIANTS = ("free", "nocharge", "charge")
 
@@ -49,18 +50,17 @@ class Forecaster:
     forecast(). Use it as a context manager, or close() it.
 
     model: a parameter file (as kez-tune writes it) instead of the built-in
-    model. method: "raw" (the library's forecaster; the only one so far).
+    model. method: "adaptive" (the default: the adaptive forecaster, which
+    weighs the library's forecaster and simple methods by their errors on
+    this user's own reports) or "raw" (the library's forecaster alone).
     """
 
-    def __init__(self, model=None, method="raw"):
+    def __init__(self, model=None, method="adaptive"):
         if method not in METHODS:
-            if method == "adaptive":
-                raise NotImplementedError(
-                    "the adaptive forecaster is not part of this build yet; "
-                    "use method='raw'")
             raise ValueError("method is one of %s, not %r" % (METHODS, method))
         self.method = method
-        self._native = _native.RawForecaster("" if model is None else str(model))
+        self._native = _native.RawForecaster("" if model is None else str(model),
+                                             method == "adaptive")
 
     def __enter__(self):
         return self
@@ -137,6 +137,14 @@ class Forecaster:
         times = self.last_time_ms + STEP_MS * np.arange(1, int(steps) + 1, dtype=np.int64)
         return times, level, charging, distance
 
+    def weights(self, steps=144, variant="free", what="level"):
+        """The adaptive forecaster's weights as a DataFrame, one row per step
+        and one column per method (each row sums to 1): for the level of
+        `variant`, or (what="charging") the chance of charging of the free
+        forecast. Only with method="adaptive"."""
+        w = self._native.weights(int(steps), variant, what)
+        return pd.DataFrame(w, columns=_native.RawForecaster.method_names())
+
     def forecast(self, steps=144, variant="free"):
         """The forecast as a DataFrame: time (UTC), time_ms, level_percent,
         charging_chance, one row per step; attrs: variant, distance (100:
@@ -156,5 +164,5 @@ class Forecaster:
             columns["charging_chance" + suffix] = charging
         frame = pd.DataFrame(columns)
         frame.attrs.update(variant=variant, distance=distance,
-                           learned=distance != 100.0)
+                           learned=distance != 100.0, method=self.method)
         return frame

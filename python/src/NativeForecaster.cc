@@ -2,6 +2,8 @@
 // through its C interface exactly as an app does (kez_addStatusValue,
 // kez_predict and its two variants), plus a replay of a whole log the way
 // the tools replay it (KezSession and Replayer), and an optional tuned model.
+// With `adaptive`, every report also goes to an adaptive forecaster beside
+// the instance (as kez-forecast feeds it), and forecasts are its forecasts.
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
@@ -16,6 +18,8 @@
 #include "Bindings.h"
 #include "KezSession.h"
 #include "ParameterFile.h"
+#include "adaptive/AdaptiveForecaster.h"
+#include "adaptive/ForecastMethod.h"
 #include "Replayer.h"
 #include "kez/kez.h"
 
@@ -30,8 +34,9 @@ using TimeArray = py::array_t<int64_t, py::array::c_style | py::array::forcecast
 
 class RawForecaster {
  public:
-  explicit RawForecaster(const std::string& model_path) {
+  RawForecaster(const std::string& model_path, bool adaptive) {
     session_ = std::make_unique<kez_tools::KezSession>();
+    if (adaptive) session_->EnableAdaptive();
     if (!model_path.empty()) {
       vorn::MobilePowerPredictorParameter parameter;
       std::string error;
@@ -54,6 +59,8 @@ class RawForecaster {
                        static_cast<float>(level), static_cast<float>(charging),
                        static_cast<float>(aux1), static_cast<float>(aux2),
                        static_cast<float>(aux3), count_a, count_b1, count_b2);
+    ReportAdaptive(time_ms, level, charging, aux1, aux2, aux3, count_a,
+                   count_b1, count_b2);
     last_ms_ = time_ms;
     last_level_ = level;
   }
@@ -96,6 +103,7 @@ class RawForecaster {
                          static_cast<float>(l(i)), static_cast<float>(c(i)),
                          static_cast<float>(v[0]), static_cast<float>(v[1]),
                          static_cast<float>(v[2]), v[3], v[4], v[5]);
+      ReportAdaptive(t(i), l(i), c(i), v[0], v[1], v[2], v[3], v[4], v[5]);
       last_ms_ = t(i);
       last_level_ = l(i);
     }
@@ -137,7 +145,10 @@ class RawForecaster {
     }
     std::vector<stMobilePowerPredictionData> out(static_cast<size_t>(steps));
     int rc;
-    if (variant == "free") {
+    kez::adaptive::AdaptiveForecaster* adaptive = session().adaptive();
+    if (adaptive != nullptr) {
+      rc = adaptive->Predict(VariantIndex(variant), steps, out.data());
+    } else if (variant == "free") {
       rc = kez_predict(handle(), steps, out.data());
     } else if (variant == "nocharge") {
       rc = kez_predict_without_charging(handle(), steps, out.data());
@@ -174,6 +185,35 @@ class RawForecaster {
     return took.count() / repeats;
   }
 
+  // The weights (steps x methods) with which the adaptive forecast of
+  // `variant` combines its methods' levels (what "level") or, for the free
+  // forecast, their chances of charging (what "charging").
+  Array Weights(int steps, const std::string& variant, const std::string& what) {
+    kez::adaptive::AdaptiveForecaster* adaptive = session().adaptive();
+    if (adaptive == nullptr) {
+      throw std::invalid_argument("only the adaptive forecaster weighs methods");
+    }
+    if (steps < 1 || steps > 10000) {
+      throw std::invalid_argument("steps is from 1 to 10000");
+    }
+    if (what != "level" && what != "charging") {
+      throw std::invalid_argument("what is 'level' or 'charging', not '" + what + "'");
+    }
+    const int methods = kez::adaptive::kMethodCount;
+    Array weights({static_cast<py::ssize_t>(steps), static_cast<py::ssize_t>(methods)});
+    adaptive->WeightPath(VariantIndex(variant), what == "level" ? 0 : 1, steps,
+                         weights.mutable_data());
+    return weights;
+  }
+
+  static std::vector<std::string> MethodNames() {
+    std::vector<std::string> names;
+    for (int m = 0; m < kez::adaptive::kMethodCount; ++m) {
+      names.push_back(kez::adaptive::MethodName(m));
+    }
+    return names;
+  }
+
   int64_t last_ms() const { return last_ms_; }
   double last_level() const { return last_level_; }
 
@@ -183,6 +223,32 @@ class RawForecaster {
     return *session_;
   }
   kez_handle handle() { return session().handle(); }
+
+  static int VariantIndex(const std::string& variant) {
+    if (variant == "free") return 0;
+    if (variant == "nocharge") return 1;
+    if (variant == "charge") return 2;
+    throw std::invalid_argument("variant is 'free', 'nocharge' or 'charge', not '" +
+                                variant + "'");
+  }
+
+  void ReportAdaptive(int64_t time_ms, double level, double charging,
+                      double aux1, double aux2, double aux3, double count_a,
+                      double count_b1, double count_b2) {
+    kez::adaptive::AdaptiveForecaster* adaptive = session().adaptive();
+    if (adaptive == nullptr) return;
+    kez::adaptive::HostReport r;
+    r.timeMs = static_cast<uint64_t>(time_ms);
+    r.levelPercent = static_cast<float>(level);
+    r.charging = static_cast<float>(charging);
+    r.aux1 = static_cast<float>(aux1);
+    r.aux2 = static_cast<float>(aux2);
+    r.aux3 = static_cast<float>(aux3);
+    r.countA = count_a;
+    r.countB1 = count_b1;
+    r.countB2 = count_b2;
+    adaptive->Report(r);
+  }
 
   void CheckSample(int64_t time_ms, double level, double charging,
                    py::ssize_t index = -1) const {
@@ -212,7 +278,8 @@ class RawForecaster {
 
 void BindForecaster(py::module_& m) {
   py::class_<RawForecaster>(m, "RawForecaster")
-      .def(py::init<const std::string&>(), py::arg("model_path") = "")
+      .def(py::init<const std::string&, bool>(), py::arg("model_path") = "",
+           py::arg("adaptive") = false)
       .def("close", &RawForecaster::Close)
       .def_property_readonly("closed", &RawForecaster::closed)
       .def("report", &RawForecaster::Report, py::arg("time_ms"),
@@ -226,6 +293,9 @@ void BindForecaster(py::module_& m) {
            py::arg("as_logged") = false)
       .def("forecast", &RawForecaster::Forecast, py::arg("steps"),
            py::arg("variant"))
+      .def("weights", &RawForecaster::Weights, py::arg("steps"),
+           py::arg("variant"), py::arg("what"))
+      .def_static("method_names", &RawForecaster::MethodNames)
       .def("time_predict", &RawForecaster::TimePredict)
       .def_property_readonly("last_ms", &RawForecaster::last_ms)
       .def_property_readonly("last_level", &RawForecaster::last_level);

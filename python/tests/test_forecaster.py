@@ -57,7 +57,7 @@ def test_arrays_report_as_single_samples():
 
 
 def test_a_steady_discharge_goes_on():
-    with kez.Forecaster() as f:
+    with kez.Forecaster(method="raw") as f:
         t0 = 1704067200000
         f.report(t0, 80, 0)
         # One report: nothing to compare with, the running rates answer.
@@ -95,9 +95,28 @@ def test_bad_input_is_refused_and_reports_nothing():
         f.report(2000, 50, 0)
 
 
+def test_raw_is_kez_forecast_raw_and_adaptive_says_how_it_weighed():
+    raw = tool_json("kez-forecast", "--format", "json", "--steps", "36", "--raw",
+                    BUNDLED)
+    with kez.Forecaster(method="raw") as f:
+        f.replay(BUNDLED)
+        frame = f.forecast(steps=36)
+        with pytest.raises(ValueError, match="adaptive"):
+            f.weights(36)
+    for row, step in zip(frame.itertuples(), raw["steps"]):
+        assert printed(row.level_percent) == printed(step["free"]["level_percent"])
+    with kez.Forecaster() as f:
+        assert f.method == "adaptive"
+        f.replay(BUNDLED)
+        weights = f.weights(36)
+        assert list(weights.columns)[0] == "instance"
+        np.testing.assert_allclose(weights.sum(axis=1), 1.0, rtol=1e-12)
+        assert ((weights >= 0) & (weights <= 1)).all().all()
+        charging = f.weights(36, what="charging")
+        np.testing.assert_allclose(charging.sum(axis=1), 1.0, rtol=1e-12)
+
+
 def test_methods():
-    with pytest.raises(NotImplementedError, match="adaptive"):
-        kez.Forecaster(method="adaptive")
     with pytest.raises(ValueError, match="method"):
         kez.Forecaster(method="magic")
     with pytest.raises(ValueError, match="nonexistent"):
