@@ -15,6 +15,7 @@
 
 #include "adaptive/AnchorHorizons.h"
 #include "adaptive/ForecastMethod.h"
+#include "adaptive/StateBytes.h"
 
 namespace kez {
 namespace adaptive {
@@ -41,6 +42,10 @@ class PendingForecasts {
   // A fresh record starting at `startMs` (the oldest is dropped when full).
   RecordedForecast* Add(uint64_t startMs, bool startCharging);
   void Clear();
+
+  // Every record (inactive ones too) and the next place, for a restart.
+  void Save(StateWriter* out) const;
+  void Restore(StateReader* in);
 
   RecordedForecast& operator[](int i) { return records_[i]; }
   const RecordedForecast& operator[](int i) const { return records_[i]; }
