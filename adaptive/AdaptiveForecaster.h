@@ -139,8 +139,9 @@ class AdaptiveForecaster {
   // The saved state: a version byte, then the values in a fixed order
   // (StateBytes.h). SaveState returns the size written into `out`, or 0
   // when `capacity` is short of StateSize(). RestoreState takes a blob of
-  // this version and size and returns true; anything else changes nothing
-  // and returns false.
+  // this version and size (as it is: the journal checks its bytes) and
+  // returns true; a blob of another version or size, or none, changes
+  // nothing and returns false.
   static constexpr uint8_t kStateVersion = 1;
   std::size_t StateSize() const;
   std::size_t SaveState(unsigned char* out, std::size_t capacity) const;
