@@ -2,7 +2,7 @@
 // (another version, cut short, too long, none) is refused and changes
 // nothing; a short buffer gets nothing. That a restored state forecasts as
 // the forecaster that never stopped is tested end to end through the
-// journal (kez_adaptive_journal_test).
+// journal (kez_adaptive_api_journal_test).
 #include <cstring>
 #include <memory>
 #include <vector>
