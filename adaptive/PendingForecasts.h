@@ -29,8 +29,8 @@ struct RecordedForecast {
   uint64_t startMs = 0;        // time of the report it starts from
   // Methods recorded per variant; 0 for a variant not recorded.
   MethodMask recorded[kVariantCount] = {0, 0, 0};
-  float level[kVariantCount][kAnchorCount][kMethodCount];
-  float charging[kAnchorCount][kMethodCount];  // free forecast
+  float level[kVariantCount][kAnchorCount][kMethodCount] = {};
+  float charging[kAnchorCount][kMethodCount] = {};  // free forecast
 };
 
 class PendingForecasts {
