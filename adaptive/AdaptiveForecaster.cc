@@ -55,6 +55,7 @@ int AdaptiveForecaster::Report(const HostReport& r) {
     if (lastMs_ - r.timeMs <= kLateMs) return 0;
     Reset();
   }
+  reach_.Add(r.timeMs, !hasLast_ || StepOf(r.timeMs) != StepOf(lastMs_));
   instance_.addStatusValue(MillisecondsToDays(r.timeMs), r.levelPercent,
                            r.charging, r.aux1, r.aux2, r.aux3, r.countA,
                            r.countB1, r.countB2);
@@ -133,6 +134,72 @@ void AdaptiveForecaster::Score(const HostReport& now, double level,
     }
     if (p.done == all) p.active = false;
   }
+}
+
+void AdaptiveForecaster::WriteState(StateWriter* out) const {
+  out->Put(kStateVersion);
+  const vorn::MobilePowerPredictor* p = instance_.impl->predictor;
+  out->Put(p->chargeRise);
+  out->Put(p->chargeSteps);
+  out->Put(p->dischargeChange);
+  out->Put(p->dischargeSteps);
+  scorebook_.Save(out);
+  curve_.Save(out);
+  pending_.Save(out);
+  reach_.Save(out);
+  out->PutBool(hasLast_);
+  out->Put(lastMs_);
+  out->Put(lastLevel_);
+  out->PutBool(lastCharging_);
+  out->Put(lastRecordHour_);
+  out->PutBool(hasRecord_);
+  for (long s : scored_) out->Put(static_cast<int64_t>(s));
+}
+
+std::size_t AdaptiveForecaster::StateSize() const {
+  StateWriter counter(nullptr, 0);
+  WriteState(&counter);
+  return counter.size();
+}
+
+std::size_t AdaptiveForecaster::SaveState(unsigned char* out,
+                                          std::size_t capacity) const {
+  if (out == nullptr || capacity < StateSize()) return 0;
+  StateWriter writer(out, capacity);
+  WriteState(&writer);
+  return writer.ok() ? writer.size() : 0;
+}
+
+bool AdaptiveForecaster::RestoreState(const unsigned char* data,
+                                      std::size_t size) {
+  if (data == nullptr || size != StateSize() || data[0] != kStateVersion) {
+    return false;
+  }
+  StateReader in(data, size);
+  in.Get<uint8_t>();
+  vorn::MobilePowerPredictor* p = instance_.impl->predictor;
+  p->chargeRise = in.Get<double>();
+  p->chargeSteps = in.Get<double>();
+  p->dischargeChange = in.Get<double>();
+  p->dischargeSteps = in.Get<double>();
+  scorebook_.Restore(&in);
+  curve_.Restore(&in);
+  pending_.Restore(&in);
+  reach_.Restore(&in);
+  hasLast_ = in.GetBool();
+  lastMs_ = in.Get<uint64_t>();
+  lastLevel_ = in.Get<double>();
+  lastCharging_ = in.GetBool();
+  lastRecordHour_ = in.Get<uint64_t>();
+  hasRecord_ = in.GetBool();
+  for (long& s : scored_) s = static_cast<long>(in.Get<int64_t>());
+  return in.ok() && in.atEnd();
+}
+
+uint64_t AdaptiveForecaster::OldestNeeded() const {
+  // The instance's 4320 places and a day more: the step history's 8 days
+  // lie well inside.
+  return reach_.Since(vorn::MobilePowerPredictor::kMemorySteps + 144);
 }
 
 bool AdaptiveForecaster::StartCharging(int variant) const {

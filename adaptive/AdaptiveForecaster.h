@@ -35,16 +35,26 @@
 // Nothing prints; construction throws std::bad_alloc when memory is short,
 // nothing else throws.
 //
+// Restart: SaveState writes what the forecaster learned that a replay of
+// its recent reports cannot rebuild (the instance's running rates, the
+// scored errors, the charge curve, the pending records, the counters), and
+// RestoreState puts it back. A forecaster that takes the reports from
+// OldestNeeded() on, has that state restored after the last of them, and
+// then takes the later reports forecasts bit-identically to one that took
+// every report (the journal's rewrite relies on it).
+//
 // Not thread-safe: one forecaster, one thread at a time.
 #ifndef KEZ_ADAPTIVE_ADAPTIVEFORECASTER_H_
 #define KEZ_ADAPTIVE_ADAPTIVEFORECASTER_H_
 
+#include <cstddef>
 #include <cstdint>
 
 #include "adaptive/ChargeCurve.h"
 #include "adaptive/CombinationRule.h"
 #include "adaptive/ForecastMethod.h"
 #include "adaptive/ForecastScorebook.h"
+#include "adaptive/MemoryReach.h"
 #include "adaptive/MethodPaths.h"
 #include "adaptive/PendingForecasts.h"
 #include "adaptive/StepHistory.h"
@@ -126,11 +136,28 @@ class AdaptiveForecaster {
   // (the cold start ends as they grow).
   long Scored(int variant) const { return scored_[variant]; }
 
+  // The saved state: a version byte, then the values in a fixed order
+  // (StateBytes.h). SaveState returns the size written into `out`, or 0
+  // when `capacity` is short of StateSize(). RestoreState takes a blob of
+  // this version and size (as it is: the journal checks its bytes) and
+  // returns true; a blob of another version or size, or none, changes
+  // nothing and returns false.
+  static constexpr uint8_t kStateVersion = 1;
+  std::size_t StateSize() const;
+  std::size_t SaveState(unsigned char* out, std::size_t capacity) const;
+  bool RestoreState(const unsigned char* data, std::size_t size);
+
+  // The time of the oldest report a replay needs to rebuild what SaveState
+  // leaves out (the instance's memory of 4320 steps and the step history):
+  // 0 (everything) until that is known.
+  uint64_t OldestNeeded() const;
+
   KEZ& instance() { return instance_; }
   const ForecastScorebook& scorebook() const { return scorebook_; }
 
  private:
   void Reset();
+  void WriteState(StateWriter* out) const;
   void Score(const HostReport& now, double level, bool charging);
   void Record();
   void RecordVariant(RecordedForecast* record, int variant);
@@ -152,6 +179,7 @@ class AdaptiveForecaster {
   ChargeCurve curve_;
   ForecastScorebook scorebook_;
   PendingForecasts pending_;
+  MemoryReach reach_;
 
   bool hasLast_ = false;
   uint64_t lastMs_ = 0;

@@ -51,5 +51,19 @@ double ChargeCurve::RiseAt(double level) const {
   return 0.0;
 }
 
+void ChargeCurve::Save(StateWriter* out) const {
+  for (int b = 0; b < kBands; ++b) {
+    out->Put(rise_[b]);
+    out->Put(steps_[b]);
+  }
+}
+
+void ChargeCurve::Restore(StateReader* in) {
+  for (int b = 0; b < kBands; ++b) {
+    rise_[b] = in->Get<double>();
+    steps_[b] = in->Get<double>();
+  }
+}
+
 }  // namespace adaptive
 }  // namespace kez

@@ -10,6 +10,8 @@
 #ifndef KEZ_ADAPTIVE_CHARGECURVE_H_
 #define KEZ_ADAPTIVE_CHARGECURVE_H_
 
+#include "adaptive/StateBytes.h"
+
 namespace kez {
 namespace adaptive {
 
@@ -27,6 +29,10 @@ class ChargeCurve {
   bool known() const;
   // Rise per step at `level`; 0.0 when nothing is known.
   double RiseAt(double level) const;
+
+  // What was learned, for a restart (the forgetting factor is not saved).
+  void Save(StateWriter* out) const;
+  void Restore(StateReader* in);
 
  private:
   static int Band(double level);

@@ -24,5 +24,37 @@ bool ForecastScorebook::AddCharging(int start, int anchor, int method,
   return Add(&charging_[start][anchor][method], error);
 }
 
+namespace {
+
+void SaveCells(const ErrorCell* cells, int n, StateWriter* out) {
+  for (int i = 0; i < n; ++i) {
+    out->Put(cells[i].sum);
+    out->Put(cells[i].weight);
+  }
+}
+
+void RestoreCells(ErrorCell* cells, int n, StateReader* in) {
+  for (int i = 0; i < n; ++i) {
+    cells[i].sum = in->Get<double>();
+    cells[i].weight = in->Get<double>();
+  }
+}
+
+constexpr int kLevelCells =
+    kVariantCount * kStartStates * kAnchorCount * kMethodCount;
+constexpr int kChargingCells = kStartStates * kAnchorCount * kMethodCount;
+
+}  // namespace
+
+void ForecastScorebook::Save(StateWriter* out) const {
+  SaveCells(&level_[0][0][0][0], kLevelCells, out);
+  SaveCells(&charging_[0][0][0], kChargingCells, out);
+}
+
+void ForecastScorebook::Restore(StateReader* in) {
+  RestoreCells(&level_[0][0][0][0], kLevelCells, in);
+  RestoreCells(&charging_[0][0][0], kChargingCells, in);
+}
+
 }  // namespace adaptive
 }  // namespace kez

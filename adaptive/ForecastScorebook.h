@@ -14,6 +14,7 @@
 
 #include "adaptive/AnchorHorizons.h"
 #include "adaptive/ForecastMethod.h"
+#include "adaptive/StateBytes.h"
 
 namespace kez {
 namespace adaptive {
@@ -43,6 +44,10 @@ class ForecastScorebook {
   const ErrorCell& Charging(int start, int anchor, int method) const {
     return charging_[start][anchor][method];
   }
+
+  // Every cell, for a restart (the forgetting factor is not saved).
+  void Save(StateWriter* out) const;
+  void Restore(StateReader* in);
 
  private:
   bool Add(ErrorCell* cell, double error);

@@ -15,6 +15,7 @@
 
 #include "adaptive/AnchorHorizons.h"
 #include "adaptive/ForecastMethod.h"
+#include "adaptive/StateBytes.h"
 
 namespace kez {
 namespace adaptive {
@@ -28,8 +29,8 @@ struct RecordedForecast {
   uint64_t startMs = 0;        // time of the report it starts from
   // Methods recorded per variant; 0 for a variant not recorded.
   MethodMask recorded[kVariantCount] = {0, 0, 0};
-  float level[kVariantCount][kAnchorCount][kMethodCount];
-  float charging[kAnchorCount][kMethodCount];  // free forecast
+  float level[kVariantCount][kAnchorCount][kMethodCount] = {};
+  float charging[kAnchorCount][kMethodCount] = {};  // free forecast
 };
 
 class PendingForecasts {
@@ -41,6 +42,10 @@ class PendingForecasts {
   // A fresh record starting at `startMs` (the oldest is dropped when full).
   RecordedForecast* Add(uint64_t startMs, bool startCharging);
   void Clear();
+
+  // Every record (inactive ones too) and the next place, for a restart.
+  void Save(StateWriter* out) const;
+  void Restore(StateReader* in);
 
   RecordedForecast& operator[](int i) { return records_[i]; }
   const RecordedForecast& operator[](int i) const { return records_[i]; }

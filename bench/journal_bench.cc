@@ -8,6 +8,9 @@
 //                             into nothing, and into a fresh instance of
 //                             the library (kez_addStatusValue); closing
 //                             (which syncs) is not timed
+//   BM_AdaptiveOpen           the same journal opened by the adaptive
+//                             forecaster, kez_adaptive_open: what an app
+//                             waits for at a restart (stopping not timed)
 // The counter `journal_bytes` is the size of that 30-day journal.
 // Journals go to a folder made with mkdtemp under $TMPDIR (or /tmp): the
 // figures are those of that file system.
@@ -172,5 +175,36 @@ void BM_JournalOpenReplay(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_JournalOpenReplay)->Arg(0)->Arg(1)->ArgName("into_instance")->Unit(benchmark::kMillisecond);
+
+void BM_AdaptiveOpen(benchmark::State& state) {
+  Folder folder;
+  const std::string path = folder.Path("history.csv");
+  const std::vector<JournalRecord> log = BundledLog();
+  if (log.empty()) {
+    state.SkipWithError("cannot read the bundled log");
+    return;
+  }
+  {
+    JournalOptions options;
+    options.keepDays = 0;
+    Journal journal;
+    journal.Open(path.c_str(), options, [](void*, const JournalRecord&) {}, nullptr);
+    const uint64_t from = log.back().timeMs - 30ull * 86400000ull;
+    for (const JournalRecord& r : log) {
+      if (r.timeMs >= from) journal.Append(r);
+    }
+    journal.Close();
+  }
+  for (auto _ : state) {
+    int status = 1;
+    kez_adaptive* a = kez_adaptive_open(path.c_str(), &status);
+    if (a == nullptr || status != KEZ_JOURNAL_OK) state.SkipWithError("open failed");
+    benchmark::DoNotOptimize(kez_adaptive_journal_count(a, KEZ_JOURNAL_REPLAYED));
+    state.PauseTiming();  // stopping syncs once: not part of opening
+    kez_adaptive_stop(a);
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(BM_AdaptiveOpen)->Unit(benchmark::kMillisecond);
 
 }  // namespace

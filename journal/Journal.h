@@ -59,7 +59,7 @@
 
 #include "journal/JournalRecord.h"
 #include "journal/JournalSystem.h"
-#include "journal/kez_journal.h"
+#include "kez/kez.h"
 
 namespace kez {
 

@@ -7,7 +7,7 @@
 #include <new>
 
 #include "journal/JournalLine.h"
-#include "journal/kez_journal.h"
+#include "kez/kez.h"
 
 namespace kez {
 namespace {

@@ -1,12 +1,16 @@
 /*
  * The public header as a C99 host uses it, linked against libkez.so: create
  * an instance, report a week of samples, forecast in all three variants,
- * stop; the same with an adaptive forecaster. Exits non-zero when a check
- * failed.
+ * stop; the same with an adaptive forecaster, and with one that keeps a
+ * journal in a fresh temporary folder and is stopped and opened again.
+ * Exits non-zero when a check failed.
  */
+#define _POSIX_C_SOURCE 200809L
 #include <stdint.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
 #include "kez/kez.h"
 
@@ -103,6 +107,67 @@ static void check_adaptive(void) {
   kez_adaptive_stop(a);
 }
 
+/* An adaptive forecaster with a journal: stopped after three days and
+ * opened again, it forecasts exactly as one that never stopped. */
+static void check_journal(void) {
+  stMobilePowerPredictionData kept[STEPS], reopened[STEPS];
+  char folder[] = "/tmp/kez_api_c_test_XXXXXX";
+  char path[64];
+  uint64_t start = 1700000000000ULL - (1700000000000ULL % DAY_MS);
+  uint64_t t;
+  kez_adaptive *a, *steady, *second;
+  int status = 1, variant;
+
+  CHECK(kez_adaptive_open(NULL, &status) == NULL);
+  CHECK(status == KEZ_JOURNAL_CANNOT_OPEN);
+  CHECK(kez_adaptive_sync(NULL) == -1);
+  CHECK(kez_adaptive_journal_count(NULL, KEZ_JOURNAL_UNSAFE) == -1);
+  if (mkdtemp(folder) == NULL) {
+    CHECK(!"mkdtemp");
+    return;
+  }
+  snprintf(path, sizeof path, "%s/history.csv", folder);
+
+  a = kez_adaptive_open(path, &status);
+  CHECK(a != NULL && status == KEZ_JOURNAL_OK);
+  steady = kez_adaptive_init();
+  if (a == NULL || steady == NULL) return;
+  second = kez_adaptive_open(path, &status);
+  CHECK(second == NULL && status == KEZ_JOURNAL_LOCKED);
+  for (t = start; t < start + 3 * DAY_MS; t += 300000ULL) {
+    float level, charging;
+    routine(t, &level, &charging);
+    CHECK(kez_adaptive_report(a, t, level, charging, 0.0f, 0.0f, 0.0f, 0.0,
+                              0.0, 0.0) == 1);
+    CHECK(kez_adaptive_report(steady, t, level, charging, 0.0f, 0.0f, 0.0f,
+                              0.0, 0.0, 0.0) == 1);
+  }
+  /* Refused reports stay out of the journal. */
+  CHECK(kez_adaptive_report(a, t, 0.0f / 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0,
+                            0.0, 0.0) == 0);
+  CHECK(kez_adaptive_sync(a) == KEZ_JOURNAL_OK);
+  CHECK(kez_adaptive_journal_count(a, KEZ_JOURNAL_UNSAFE) == 0);
+  kez_adaptive_stop(a);
+
+  a = kez_adaptive_open(path, &status);
+  CHECK(a != NULL && status == KEZ_JOURNAL_OK);
+  if (a != NULL) {
+    CHECK(kez_adaptive_journal_count(a, KEZ_JOURNAL_REPLAYED) ==
+          (long long)(3 * DAY_MS / 300000ULL));
+    CHECK(kez_adaptive_journal_count(a, KEZ_JOURNAL_TORN) == 0);
+    for (variant = KEZ_VARIANT_FREE; variant <= KEZ_VARIANT_PLUGGED_IN;
+         ++variant) {
+      CHECK(kez_adaptive_predict(a, variant, STEPS, reopened) == 1);
+      CHECK(kez_adaptive_predict(steady, variant, STEPS, kept) == 1);
+      CHECK(memcmp(reopened, kept, sizeof kept) == 0);
+    }
+    kez_adaptive_stop(a);
+  }
+  kez_adaptive_stop(steady);
+  CHECK(unlink(path) == 0);
+  CHECK(rmdir(folder) == 0);
+}
+
 int main(void) {
   char version[256];
   stMobilePowerPredictionData out[STEPS];
@@ -172,6 +237,7 @@ int main(void) {
   kez_stop(handle);
 
   check_adaptive();
+  check_journal();
 
   if (failures != 0) {
     fprintf(stderr, "%d checks failed\n", failures);

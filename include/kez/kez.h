@@ -4,8 +4,9 @@
  * The host creates one instance with kez_init(), reports the phone's status
  * every few minutes with kez_addStatusValue() (or one log line with
  * kez_addStatusValues()), asks for forecasts whenever it wants, and frees the
- * instance with kez_stop(). Nothing is saved: the learned history lives in
- * the instance and dies with it.
+ * instance with kez_stop(). An instance saves nothing: its learned history
+ * dies with it. The adaptive forecaster (below) can keep its reports in a
+ * journal file and pick them up again after a restart (kez_adaptive_open).
  *
  * The host's side of the contract: report at least every 10 minutes (every
  * 5 is a good choice), also when nothing changed. A 10-minute step without a
@@ -202,8 +203,116 @@ KEZ_EXPORT int kez_adaptive_weight_steps(kez_adaptive* a, int variant,
  * -1 for a null handle, 0 for an unknown variant. */
 KEZ_EXPORT long kez_adaptive_scored(kez_adaptive* a, int variant);
 
-/* Destroys the adaptive forecaster and its instance. NULL is ignored. */
+/* Destroys the adaptive forecaster and its instance, after syncing and
+ * closing its journal when it has one (reports still held in memory because
+ * of a full disk are lost then). NULL is ignored. */
 KEZ_EXPORT void kez_adaptive_stop(kez_adaptive* a);
+
+/* ---- The history journal ----
+ *
+ * An adaptive forecaster opened with kez_adaptive_open keeps every report
+ * it takes in a file, the journal, so that after a restart of the process
+ * (an app stopped by the system, a reboot) opening it with the same file
+ * replays the reports and it forecasts bit-identically to a forecaster that
+ * never stopped. The file is a status log the offline tools read as it is
+ * (docs/JOURNAL.md). It stays bounded: once its reports span more than 34
+ * days it is rewritten (atomically) with the last 31 days and what the
+ * forecaster learned from the older ones.
+ *
+ * Durability: each report is written before kez_adaptive_report returns, so
+ * a kill of the process loses nothing a call accepted. It reaches the disk
+ * every 12 reports or hour of report time, on kez_adaptive_sync and on
+ * kez_adaptive_stop; a power cut loses at most the reports since the last
+ * sync (kez_adaptive_journal_count with KEZ_JOURNAL_UNSAFE). Call
+ * kez_adaptive_sync when the app goes to the background.
+ *
+ * One writer: a journal is locked while open; a second open of the same file,
+ * in this process or another, fails with KEZ_JOURNAL_LOCKED.
+ *
+ * Status codes (they start at -2 so that -1 keeps meaning "null handle"): */
+enum {
+  /* Opened (created when missing, replayed when present), or written. A
+   * torn last line (a write cut short by a crash or a power cut) is not an
+   * error: the journal is replayed up to its last whole report, the torn
+   * line is dropped and counted. Damaged lines in the middle are skipped
+   * and counted too. */
+  KEZ_JOURNAL_OK = 0,
+
+  /* The file cannot be created or read: its folder is missing or not
+   * writable, a directory has its name, or reading it failed. Check the
+   * path; the app's files directory is the place for a journal. */
+  KEZ_JOURNAL_CANNOT_OPEN = -2,
+
+  /* Another open forecaster, in this process or another, has the journal.
+   * Only one writer may hold a journal: close the other one first, or use
+   * another file. */
+  KEZ_JOURNAL_LOCKED = -3,
+
+  /* The file is not a journal (it does not start with the journal's first
+   * line). Nothing was changed in it. Use another path, or delete the file
+   * when it is known to be a lost journal. */
+  KEZ_JOURNAL_NOT_JOURNAL = -4,
+
+  /* The journal was written by a newer version of the library, which may
+   * write reports this version cannot read. Nothing was changed in it. */
+  KEZ_JOURNAL_NEWER_VERSION = -5,
+
+  /* The disk is full (or the file reached the process's size limit). The
+   * reports stay in memory, the forecaster keeps working, and every later
+   * report tries to write them again. */
+  KEZ_JOURNAL_DISK_FULL = -6,
+
+  /* Writing or syncing failed for another reason (an I/O error). As for
+   * KEZ_JOURNAL_DISK_FULL, the reports stay in memory and are written
+   * again with the next report. */
+  KEZ_JOURNAL_WRITE_FAILED = -7,
+
+  /* Memory for the journal could not be allocated. */
+  KEZ_JOURNAL_NO_MEMORY = -8
+};
+
+/* Creates an adaptive forecaster with the journal `journalPath` (created when
+ * missing, with its folder existing; replayed when present). `status`, when
+ * not NULL, receives 0 or a KEZ_JOURNAL_* code. Returns the forecaster, or
+ * NULL when it could not be opened (CANNOT_OPEN, LOCKED, NOT_JOURNAL,
+ * NEWER_VERSION, NO_MEMORY; a null path is CANNOT_OPEN). After DISK_FULL or
+ * WRITE_FAILED it is returned nevertheless, replayed, and writes what it
+ * could not as soon as it can. */
+KEZ_EXPORT kez_adaptive* kez_adaptive_open(const char* journalPath,
+                                           int* status);
+
+/* Writes what is held in memory and puts the journal on the disk. Returns 0
+ * (also for a forecaster without a journal), KEZ_JOURNAL_DISK_FULL or
+ * KEZ_JOURNAL_WRITE_FAILED (the reports stay held; the next report or sync
+ * tries again), -1 for a null handle. */
+KEZ_EXPORT int kez_adaptive_sync(kez_adaptive* a);
+
+/* What kez_adaptive_journal_count counts. */
+enum {
+  /* Reports taken but not yet safely on the disk (written and not synced,
+   * or held in memory after a failed write): what a power cut would lose. */
+  KEZ_JOURNAL_UNSAFE = 0,
+  /* Of those, the reports held in memory after a failed write: what a kill
+   * of the process would lose. */
+  KEZ_JOURNAL_HELD = 1,
+  /* Reports lost: dropped from a full memory hold (more than a week of them
+   * held), or still held at kez_adaptive_stop. */
+  KEZ_JOURNAL_LOST = 2,
+  /* Reports replayed when the journal was opened. */
+  KEZ_JOURNAL_REPLAYED = 3,
+  /* Damaged lines skipped when it was opened or rewritten. */
+  KEZ_JOURNAL_DAMAGED = 4,
+  /* Torn last lines dropped when it was opened (0 or 1). */
+  KEZ_JOURNAL_TORN = 5,
+  /* The status of the last write of a report or sync: 0, DISK_FULL or
+   * WRITE_FAILED. */
+  KEZ_JOURNAL_LAST_STATUS = 6
+};
+
+/* The count `what` (KEZ_JOURNAL_UNSAFE ...) of the forecaster's journal; 0
+ * for a forecaster without a journal; -1 for a null handle or an unknown
+ * `what`. */
+KEZ_EXPORT long long kez_adaptive_journal_count(kez_adaptive* a, int what);
 
 #ifdef __cplusplus
 } /* extern "C" */

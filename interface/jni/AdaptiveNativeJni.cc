@@ -178,6 +178,47 @@ KEZ_EXPORT JNIEXPORT jlong JNICALL Java_io_kez_AdaptiveNative_kezAdaptiveScored(
   }
 }
 
+KEZ_EXPORT JNIEXPORT jlong JNICALL
+Java_io_kez_AdaptiveNative_kezAdaptiveOpen(JNIEnv* env, jclass, jstring path,
+                                           jintArray status) {
+  int result = KEZ_JOURNAL_CANNOT_OPEN;
+  kez_adaptive* a = nullptr;
+  if (path != nullptr) {
+    const char* chars = env->GetStringUTFChars(path, nullptr);
+    if (chars == nullptr) return 0;  // out of memory; the VM's error is pending
+    try {
+      a = kez_adaptive_open(chars, &result);
+    } catch (...) {
+      a = nullptr;
+    }
+    env->ReleaseStringUTFChars(path, chars);
+  }
+  if (status != nullptr && env->GetArrayLength(status) >= 1) {
+    const jint code = result;
+    env->SetIntArrayRegion(status, 0, 1, &code);
+  }
+  return ToJava(a);
+}
+
+KEZ_EXPORT JNIEXPORT jint JNICALL Java_io_kez_AdaptiveNative_kezAdaptiveSync(
+    JNIEnv*, jclass, jlong handle) {
+  try {
+    return kez_adaptive_sync(FromJava(handle));
+  } catch (...) {
+    return KEZ_JOURNAL_WRITE_FAILED;
+  }
+}
+
+KEZ_EXPORT JNIEXPORT jlong JNICALL
+Java_io_kez_AdaptiveNative_kezAdaptiveJournalCount(JNIEnv*, jclass,
+                                                   jlong handle, jint what) {
+  try {
+    return static_cast<jlong>(kez_adaptive_journal_count(FromJava(handle), what));
+  } catch (...) {
+    return -1;
+  }
+}
+
 KEZ_EXPORT JNIEXPORT void JNICALL
 Java_io_kez_AdaptiveNative_kezAdaptiveStop(JNIEnv*, jclass, jlong handle) {
   try {

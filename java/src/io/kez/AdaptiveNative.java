@@ -50,4 +50,16 @@ final class AdaptiveNative {
   static native long kezAdaptiveScored(long handle, int variant);
 
   static native void kezAdaptiveStop(long handle);
+
+  /**
+   * kez_adaptive_open: a forecaster with the journal at {@code path}, or 0; {@code status[0]}
+   * receives 0 or the negative KEZ_JOURNAL_* code.
+   */
+  static native long kezAdaptiveOpen(String path, int[] status);
+
+  /** kez_adaptive_sync: 0, a negative KEZ_JOURNAL_* code, -1 for the handle 0. */
+  static native int kezAdaptiveSync(long handle);
+
+  /** kez_adaptive_journal_count. */
+  static native long kezAdaptiveJournalCount(long handle, int what);
 }

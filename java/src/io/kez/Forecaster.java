@@ -1,5 +1,7 @@
 package io.kez;
 
+import java.io.File;
+import java.io.IOException;
 import java.util.Objects;
 
 /**
@@ -15,9 +17,11 @@ import java.util.Objects;
  *
  * <p>Report the phone's status at least every 10 minutes (every 5 is good), also when nothing
  * changed: a 10-minute step without a report is a gap, and a forecast of a day learns only from
- * past moments that were followed by a gap-free day. Nothing is saved; after a restart feed the
- * history again. Close the forecaster to free its memory (about 30 days of 10-minute steps and
- * the adaptive forecaster's 58 KB);
+ * past moments that were followed by a gap-free day. A forecaster made with {@code new} saves
+ * nothing; one made with {@link #open(File)} keeps every report in a journal file and, opened
+ * again with that file after a restart, forecasts exactly as if it had never stopped. Close the
+ * forecaster to free its memory (about 30 days of 10-minute steps and the adaptive forecaster's
+ * 58 KB) and to sync and close its journal;
  * closing twice is harmless, any other use after closing throws {@link IllegalStateException}.
  * The methods are synchronized, so one forecaster may be shared between threads.
  *
@@ -45,6 +49,73 @@ public final class Forecaster implements AutoCloseable {
   public Forecaster() {
     handle = AdaptiveNative.kezAdaptiveCreate();
     if (handle == 0) throw new OutOfMemoryError("kez: no memory for a forecaster");
+  }
+
+  private Forecaster(long handle) {
+    this.handle = handle;
+  }
+
+  /**
+   * Opens a forecaster that keeps its reports in {@code journal}: creates the file when missing
+   * (its folder must exist; keep it in the app's files directory, {@code
+   * context.getFilesDir()}), replays it when present, and from then on appends every report
+   * taken. Each report is in the operating system's hands when {@link #report} returns, so a
+   * kill of the app loses nothing; it reaches the disk every hour of reports, on {@link #sync()}
+   * and on {@link #close()}, so a power cut loses at most the reports since the last sync.
+   * A full disk is no error here: the reports are kept in memory and written as soon as
+   * possible ({@link #unsafeReports()}).
+   *
+   * @throws JournalException when the file is not a journal or is of a newer version (it was
+   *     left unchanged), or another open forecaster has it ({@link JournalException#reason()})
+   * @throws IOException when the file cannot be created or read
+   */
+  public static Forecaster open(File journal) throws IOException {
+    Objects.requireNonNull(journal, "journal");
+    int[] status = {JournalException.CANNOT_OPEN};
+    long h = AdaptiveNative.kezAdaptiveOpen(journal.getPath(), status);
+    if (h != 0) return new Forecaster(h);
+    switch (status[0]) {
+      case JournalException.LOCKED:
+        throw new JournalException(JournalException.Reason.LOCKED, journal,
+            "another open forecaster has this journal; close it first (one forecaster per file)");
+      case JournalException.NOT_JOURNAL:
+        throw new JournalException(JournalException.Reason.NOT_JOURNAL, journal,
+            "the file is not a forecaster's journal and was left unchanged; use another file, "
+                + "or delete it if it is a lost journal");
+      case JournalException.NEWER_VERSION:
+        throw new JournalException(JournalException.Reason.NEWER_VERSION, journal,
+            "the journal was written by a newer version of the library and was left unchanged; "
+                + "update the library, or use another file");
+      case JournalException.NO_MEMORY:
+        throw new OutOfMemoryError("kez: no memory for a forecaster");
+      default:
+        throw new IOException("kez: cannot create or read the journal " + journal
+            + "; check that its folder exists and is writable (use the app's files directory)");
+    }
+  }
+
+  /**
+   * Puts every report taken so far on the disk. Call it when the app goes to the background
+   * (onStop). Does nothing for a forecaster without a journal.
+   *
+   * @return true when done; false when the disk is full or writing failed (the reports stay in
+   *     memory and the next report or sync writes them)
+   */
+  public synchronized boolean sync() {
+    return AdaptiveNative.kezAdaptiveSync(live()) == 0;
+  }
+
+  /**
+   * Reports taken but not yet safely on the disk: written since the last sync, or held in
+   * memory after a failed write. What a power cut now would lose; 0 without a journal.
+   */
+  public synchronized long unsafeReports() {
+    return AdaptiveNative.kezAdaptiveJournalCount(live(), 0);
+  }
+
+  /** Reports the journal replayed when this forecaster was opened; 0 without a journal. */
+  public synchronized long replayedReports() {
+    return AdaptiveNative.kezAdaptiveJournalCount(live(), 3);
   }
 
   /** The native library's version text. */
@@ -155,7 +226,10 @@ public final class Forecaster implements AutoCloseable {
     return handle == 0;
   }
 
-  /** Frees the native instance and everything it learned. Idempotent. */
+  /**
+   * Frees the native instance and everything it learned, after syncing and closing the journal
+   * when it has one. Idempotent.
+   */
   @Override
   public synchronized void close() {
     long h = handle;
