@@ -26,5 +26,5 @@ cmake --build "$build" -j "$jobs"
 find "$build" -name '*.gcda' -delete
 export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1}
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
-KEZ_SOAK_DAYS=60 ctest --test-dir "$build" --output-on-failure -j "$jobs"
+KEZ_SOAK_DAYS=60 ctest --no-tests=error --test-dir "$build" --output-on-failure -j "$jobs"
 scripts/coverage-report.sh "$build"
