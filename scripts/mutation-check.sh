@@ -40,9 +40,13 @@ fi
 src=$work/src
 build=$work/build
 log=$work/log
-mkdir -p "$src" "$log"
+mkdir -p "$log"
 
-# The copy: every file git would see, as it is in the working tree.
+# The copy: every file git would see, as it is in the working tree, made
+# afresh (no file the tree no longer has); tar keeps the files' times, so a
+# kept build rebuilds only what changed since.
+rm -rf "$src"
+mkdir -p "$src"
 git ls-files -z --cached --others --exclude-standard |
   tar --null -T - -cf - | tar -xf - -C "$src"
 
