@@ -177,7 +177,6 @@ TEST(WeightTunerTest, WrittenParameterFileIsTheModelThatWasMeasured) {
   ASSERT_TRUE(EvaluateModels(SmallLogs(), plan, {job}, &again, &error))
       << error;
   EXPECT_EQ(r.best_heldout.score, again[0].score);
-  std::remove(path.c_str());
 }
 
 TEST(WeightTunerTest, WeightsStayAboveTheFloorAndAsTheFileStoresThem) {
