@@ -12,10 +12,11 @@ import java.util.Arrays;
 import org.junit.Test;
 
 /**
- * Every native method, called 10^5 times or more, must leave the process's native memory where
- * it was: a JNI bridge that keeps a VM copy of an array (released with JNI_COMMIT instead of
- * mode 0 or JNI_ABORT) or of a string's characters (never released) leaks that copy on every
- * call, and the VM's own checks say nothing about it.
+ * Every native method (of KezInterface, ForecastNative and AdaptiveNative), called 10^5 times
+ * or more, must leave the process's native memory where it was: a JNI bridge that keeps a VM
+ * copy of an array (released with JNI_COMMIT instead of mode 0 or JNI_ABORT) or of a string's
+ * characters (never released) leaks that copy on every call, and the VM's own checks say
+ * nothing about it.
  *
  * <p>The measure is the resident set (VmRSS of /proc/self/status). The test runs in a JVM of its
  * own with a fixed, pre-touched heap and the serial collector (java/CMakeLists.txt), so that the
@@ -144,6 +145,73 @@ public class NativeMemoryTest {
       });
     } finally {
       KezInterface.kezStop(h);
+    }
+  }
+
+  /** An adaptive forecaster with a few reports. */
+  private static long adaptiveWithFewReports() {
+    long h = AdaptiveNative.kezAdaptiveCreate();
+    assertNotEquals(0L, h);
+    for (int i = 0; i < 3; i++) {
+      AdaptiveNative.kezAdaptiveReport(h, SyntheticLog.START_MS + i * 300000L, 80f - i, 0f, 25f,
+          4f, 0f, 10.0, 3.0, 4.0);
+    }
+    return h;
+  }
+
+  @Test
+  public void adaptiveCreateAndStopFreeTheForecaster() {
+    assertNoGrowth("kezAdaptiveCreate + kezAdaptiveStop", i -> {
+      long h = AdaptiveNative.kezAdaptiveCreate();
+      if (h == 0L) throw new AssertionError("kezAdaptiveCreate failed");
+      AdaptiveNative.kezAdaptiveStop(h);
+    });
+  }
+
+  @Test
+  public void adaptiveReportsTakeNoMemory() {
+    char[] name = new char[4000];
+    Arrays.fill(name, 'p');
+    String tail = ",55,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,12,30,0,0,0,24.5,4.01,1,0,0,250";
+    long h = AdaptiveNative.kezAdaptiveCreate();
+    assertNotEquals(0L, h);
+    try {
+      assertNoGrowth("kezAdaptiveReport + kezAdaptiveReportLine", i -> {
+        long t = SyntheticLog.START_MS + i * 60000L;
+        if ((i & 1) == 0) {
+          AdaptiveNative.kezAdaptiveReport(h, t, 50f + (i % 50), (i / 600) % 2, 25f, 4f, 0f,
+              10.0, 3.0, 4.0);
+        } else {
+          AdaptiveNative.kezAdaptiveReportLine((i & 2) == 0 ? h : 0L,
+              t + "," + new String(name) + tail);
+        }
+      });
+    } finally {
+      AdaptiveNative.kezAdaptiveStop(h);
+    }
+  }
+
+  @Test
+  public void adaptiveForecastArraysAndNamesAreReleased() {
+    long h = adaptiveWithFewReports();
+    String[] names = AdaptiveNative.kezAdaptiveMethodNames();
+    float[] levels = new float[STEPS];
+    float[] charging = new float[STEPS];
+    double[] weights = new double[STEPS * names.length];
+    try {
+      assertNoGrowth("kezAdaptivePredict + kezAdaptiveWeights + kezAdaptiveMethodNames"
+          + " + kezAdaptiveScored", i -> {
+        int variant = i % 3;
+        AdaptiveNative.kezAdaptivePredict(i % 7 == 6 ? 0L : h, variant, (i & 1) == 0, levels,
+            charging);
+        AdaptiveNative.kezAdaptiveWeights(h, variant, (i >> 1) & 1, weights);
+        AdaptiveNative.kezAdaptiveScored(h, variant);
+        if (AdaptiveNative.kezAdaptiveMethodNames().length != names.length) {
+          throw new AssertionError("method names");
+        }
+      });
+    } finally {
+      AdaptiveNative.kezAdaptiveStop(h);
     }
   }
 
