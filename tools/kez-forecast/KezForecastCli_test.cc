@@ -123,13 +123,13 @@ TEST_F(ForecastCli, ForecastPrintsTheReplayTheSourceTheAnswersAndTheTable) {
 }
 
 // One sample, 50 % and not charging: nothing to learn from, so every variant
-// extrapolates the starting rates, -0.0983 percentage points a step while
+// of the forecaster's own forecast (--raw) extrapolates the starting rates, -0.0983 percentage points a step while
 // not charging and +5 while charging: 49.9017, 49.8034, 49.7051 and 55, 60,
 // 65 (printed to three decimals), one step every 10 minutes.
 TEST(ForecastCliOneSample, JsonGivesTheStartingRatesFromTheOnlySample) {
   const std::string log = TempPath("one.csv");
   std::ofstream(log) << "time_ms,level_percent,charging\n1704067200000,50,0\n";
-  CliRun r = Shell(kForecast + " --format json --steps 3 " + log);
+  CliRun r = Shell(kForecast + " --raw --format json --steps 3 " + log);
   ASSERT_EQ(r.exit_code, 0) << r.out;
   kez_testing::JsonValue json;
   ASSERT_TRUE(kez_testing::JsonValue::Parse(r.out, &json)) << r.out;
