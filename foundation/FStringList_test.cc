@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "support/ScopedTempDir.h"
+
 namespace vorn {
 namespace {
 
@@ -31,13 +33,7 @@ std::string Int32Bytes(std::int32_t v) { return std::string(reinterpret_cast<con
 
 class FStringListFileTest : public ::testing::Test {
  protected:
-  std::string PathFor(const char* name) {
-    const std::string path = ::testing::TempDir() + "kez_fstringlist_" +
-                             ::testing::UnitTest::GetInstance()->current_test_info()->name() +
-                             "_" + name;
-    paths_.push_back(path);
-    return path;
-  }
+  std::string PathFor(const char* name) { return dir_.File(name); }
   std::string WriteFile(const char* name, const std::string& bytes) {
     const std::string path = PathFor(name);
     FILE* f = std::fopen(path.c_str(), "wb");
@@ -57,12 +53,9 @@ class FStringListFileTest : public ::testing::Test {
     std::fclose(f);
     return out;
   }
-  void TearDown() override {
-    for (const std::string& p : paths_) std::remove(p.c_str());
-  }
+  void SetUp() override { ASSERT_FALSE(dir_.path().empty()); }
 
- private:
-  std::vector<std::string> paths_;
+  kez_testing::ScopedTempDir dir_;
 };
 
 // A binary-form file opened for reading, removed on close.
@@ -114,9 +107,9 @@ TEST_F(FStringListFileTest, EmptyAndMissingFiles) {
   EXPECT_FALSE(list.LoadFromFile(PathFor("missing").c_str(), 0));
   EXPECT_EQ(list.count, 0);  // cleared even though nothing was read
   EXPECT_FALSE(list.LoadFromFile(nullptr, 0));
-  EXPECT_FALSE(list.LoadFromFile((::testing::TempDir() + "no_such_dir/x/y.txt").c_str(), 0));
+  EXPECT_FALSE(list.LoadFromFile((dir_.File("no_such_dir") + "/x/y.txt").c_str(), 0));
   // A directory is no text file; whatever it answers, it holds no lines.
-  list.LoadFromFile(::testing::TempDir().c_str(), 0);
+  list.LoadFromFile(dir_.path().c_str(), 0);
   EXPECT_EQ(list.count, 0);
 }
 
@@ -165,7 +158,7 @@ TEST_F(FStringListFileTest, SavesLinesAndLoadsThemBack) {
   FStringList empty;
   ASSERT_TRUE(empty.SaveToFile(path.c_str()));
   EXPECT_EQ(ReadFile(path), "");
-  EXPECT_FALSE(list.SaveToFile((::testing::TempDir() + "no_such_dir/x.txt").c_str()));
+  EXPECT_FALSE(list.SaveToFile((dir_.File("no_such_dir") + "/x.txt").c_str()));
   EXPECT_FALSE(list.SaveToFile(static_cast<const char*>(nullptr)));
 }
 

@@ -159,7 +159,7 @@ TEST_F(HostileTest, NonFiniteAndAbsurdSampleValuesNeitherCrashNorStopTheInstance
   // Sane samples again: the instance goes on taking them and forecasting.
   FeedRoutine(h, t + kMinuteMs, 2);
   ForecastAllVariants(h, 144, false);
-  EXPECT_GE(kez_similar_moments(h, 144), 0);
+  EXPECT_GT(kez_similar_moments(h, 144), 0);  // the sane days are still found similar
 }
 
 TEST_F(HostileTest, BrokenStatusLinesAreSurvived) {

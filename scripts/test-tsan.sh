@@ -16,4 +16,4 @@ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   "-DCMAKE_EXE_LINKER_FLAGS=$flags" "-DCMAKE_SHARED_LINKER_FLAGS=$flags"
 cmake --build "$build" -j "$(nproc)" --target InstanceThreads_test
 TSAN_OPTIONS=${TSAN_OPTIONS:-halt_on_error=1:second_deadlock_stack=1} \
-  ctest --test-dir "$build" -R '^InstanceThreads_test$' --output-on-failure
+  ctest --no-tests=error --test-dir "$build" -R '^InstanceThreads_test$' --output-on-failure

@@ -2,7 +2,6 @@
 #ifndef KEZ_TABLE_TABLE_TEST_UTIL_H_
 #define KEZ_TABLE_TABLE_TEST_UTIL_H_
 
-#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -11,13 +10,15 @@
 #include <string>
 
 #include "gtest/gtest.h"
+#include "support/ScopedTempDir.h"
 #include "table/VelqaTimeSeriesDataTable.h"
 
 namespace table_test {
 
-// A path in the scratch directory, unique per process.
+// A path in a fresh directory of the test process, removed at its exit.
 inline std::string TempPath(const std::string& name) {
-  return ::testing::TempDir() + "kez_table_" + std::to_string(getpid()) + "_" + name;
+  static const kez_testing::ScopedTempDir dir;
+  return dir.File(name);
 }
 
 inline void WriteText(const std::string& path, const std::string& text) {

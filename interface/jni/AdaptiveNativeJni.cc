@@ -39,9 +39,9 @@ jlong ToJava(kez_adaptive* a) {
 
 jfloat Predict(JNIEnv* env, jlong handle, jint variant, jboolean raw,
                jfloatArray levels, jfloatArray charging) {
-  PinnedFloatArray level_out(env, levels);
+  PinnedFloatArray level_out(env, levels, PinnedFloatArray::kWrite);
   if (!level_out.Usable()) return kNoForecast;
-  PinnedFloatArray charging_out(env, charging);
+  PinnedFloatArray charging_out(env, charging, PinnedFloatArray::kWrite);
   if (!charging_out.Usable()) return kNoForecast;
   const jsize n = level_out.Length();
   ForecastRecords records(static_cast<std::size_t>(n));

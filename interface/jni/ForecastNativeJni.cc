@@ -33,9 +33,9 @@ jint Find(JNIEnv* env, jfloatArray levels, jfloatArray charging, jint query,
           jdouble threshold) {
   if (levels == nullptr || charging == nullptr) return kNotFound;
   // Pinned one after the other: no JNI call may follow a failed pin.
-  PinnedFloatArray level_in(env, levels);
+  PinnedFloatArray level_in(env, levels, PinnedFloatArray::kRead);
   if (!level_in.Usable()) return kNotFound;
-  PinnedFloatArray charging_in(env, charging);
+  PinnedFloatArray charging_in(env, charging, PinnedFloatArray::kRead);
   if (!charging_in.Usable()) return kNotFound;
   const jsize n = level_in.Length();
   ForecastRecords records(static_cast<std::size_t>(n));

@@ -33,8 +33,8 @@ constexpr jfloat kNoForecast = 100.0f;
 
 jfloat Predict(JNIEnv* env, jlong handle, jint mode, jfloatArray levels,
                jfloatArray charging) {
-  PinnedFloatArray level_out(env, levels);
-  PinnedFloatArray charging_out(env, charging);
+  PinnedFloatArray level_out(env, levels, PinnedFloatArray::kWrite);
+  PinnedFloatArray charging_out(env, charging, PinnedFloatArray::kWrite);
   if (!level_out.Usable() || !charging_out.Usable()) return kNoForecast;
   const jsize n = level_out.Length();
   ForecastRecords records(static_cast<std::size_t>(n));

@@ -1,9 +1,13 @@
 // The elements of a Java float array, held for the length of one JNI call.
 //
 // The constructor pins the array with GetFloatArrayElements (no copy flag is
-// asked for) and the destructor releases it with ReleaseFloatArrayElements in
-// mode 0, which copies the elements back when the VM handed out a copy and
-// frees them. A null array is taken as an empty one and is not pinned.
+// asked for) and the destructor releases it with ReleaseFloatArrayElements:
+// an array the call writes (kWrite) in mode 0, which copies the elements back
+// when the VM handed out a copy and frees that copy; an array the call only
+// reads (kRead) in mode JNI_ABORT, which frees the copy without copying it
+// back. Either mode frees: JNI_COMMIT, which copies back and keeps the copy,
+// would leak the copy on every call. A null array is taken as an empty one
+// and is not pinned.
 // When the VM cannot pin the array, `Usable()` is false and a Java
 // OutOfMemoryError is pending: the caller must make no JNI call but return.
 #ifndef KEZ_INTERFACE_JNI_PINNEDFLOATARRAY_H_
@@ -16,13 +20,18 @@ namespace jni {
 
 class PinnedFloatArray {
  public:
-  PinnedFloatArray(JNIEnv* env, jfloatArray array) : env_(env), array_(array) {
+  enum Access { kRead, kWrite };
+
+  PinnedFloatArray(JNIEnv* env, jfloatArray array, Access access)
+      : env_(env), array_(array), release_mode_(access == kRead ? JNI_ABORT : 0) {
     if (array_ == nullptr) return;
     length_ = env_->GetArrayLength(array_);
     elements_ = env_->GetFloatArrayElements(array_, nullptr);
   }
   ~PinnedFloatArray() {
-    if (elements_ != nullptr) env_->ReleaseFloatArrayElements(array_, elements_, 0);
+    if (elements_ != nullptr) {
+      env_->ReleaseFloatArrayElements(array_, elements_, release_mode_);
+    }
   }
   PinnedFloatArray(const PinnedFloatArray&) = delete;
   PinnedFloatArray& operator=(const PinnedFloatArray&) = delete;
@@ -39,6 +48,7 @@ class PinnedFloatArray {
  private:
   JNIEnv* env_;
   jfloatArray array_;
+  jint release_mode_;
   jsize length_ = 0;
   jfloat* elements_ = nullptr;
 };

@@ -1,14 +1,19 @@
 // kez-forecast-dump: feeds a battery log to libkez and prints its forecasts
 // as hexadecimal floats, exactly as the library computed them.
 //
-// Usage: kez-forecast-dump [--lines] [--adaptive] [--every N] [--steps N] LOG.csv
+// Usage: kez-forecast-dump [--lines | --status-lines] [--adaptive] [--every N]
+//                          [--steps N] LOG.csv
 //        kez-forecast-dump --records FILE
 //
 // The log is CSV with a header naming its columns: time_ms, level_percent and
 // charging are required; aux1, aux2, aux3, countA, countB1 and countB2 are
 // taken by name when present and are 0 otherwise. Each data row becomes one
 // kez_addStatusValue call. With --lines every line that starts with a digit
-// is handed to kez_addStatusValues as it stands (a status log line).
+// is handed to kez_addStatusValues as it stands (a status log line). With
+// --status-lines each data row of the CSV log is rewritten as the host's
+// status log line (time at column 0, level 2, charging 3, countB1 19,
+// countB2 20, aux1..aux3 24..26, countA 29, the other columns empty, each
+// value's text as the CSV holds it) and handed to kez_addStatusValues.
 //
 // After every N-th row (default 288, a day of 5-minute reports) and after the
 // last one, all three forecast variants of `steps` steps (default 144) are
@@ -124,10 +129,24 @@ int PrintRecordFinds(const char* path) {
   return 0;
 }
 
+// The host's status log line of one sample: 30 columns, the sample's values
+// at their columns (texts[i] for names[i] of main's column list).
+std::string StatusLineOf(const char* const texts[9]) {
+  static const int kColumnOf[9] = {0, 2, 3, 24, 25, 26, 29, 19, 20};
+  std::vector<std::string> columns(30);
+  for (int i = 0; i < 9; ++i) columns[kColumnOf[i]] = texts[i];
+  std::string line;
+  for (int c = 0; c < 30; ++c) {
+    if (c > 0) line += ',';
+    line += columns[c];
+  }
+  return line;
+}
+
 int Usage() {
   std::fprintf(stderr,
-               "usage: kez-forecast-dump [--lines] [--adaptive] [--every N] "
-               "[--steps N] LOG.csv\n"
+               "usage: kez-forecast-dump [--lines | --status-lines] [--adaptive] "
+               "[--every N] [--steps N] LOG.csv\n"
                "       kez-forecast-dump --records FILE\n");
   return 2;
 }
@@ -136,6 +155,7 @@ int Usage() {
 
 int main(int argc, char** argv) {
   bool lines = false, with_adaptive = false;
+  bool status_lines = false;
   long every = 288;
   int steps = 144;
   const char* path = nullptr;
@@ -147,6 +167,8 @@ int main(int argc, char** argv) {
       lines = true;
     } else if (std::strcmp(argv[i], "--adaptive") == 0) {
       with_adaptive = true;
+    } else if (std::strcmp(argv[i], "--status-lines") == 0) {
+      status_lines = true;
     } else if (std::strcmp(argv[i], "--every") == 0 && i + 1 < argc) {
       every = std::atol(argv[++i]);
     } else if (std::strcmp(argv[i], "--steps") == 0 && i + 1 < argc) {
@@ -157,7 +179,9 @@ int main(int argc, char** argv) {
       return Usage();
     }
   }
-  if (path == nullptr || every < 1 || steps < 0) return Usage();
+  if (path == nullptr || every < 1 || steps < 0 || (lines && status_lines)) {
+    return Usage();
+  }
   std::ifstream in(path);
   if (!in) {
     std::fprintf(stderr, "kez-forecast-dump: cannot read %s\n", path);
@@ -209,25 +233,34 @@ int main(int argc, char** argv) {
         return f[it->second].c_str();
       };
       time = text(0);
-      kez_addStatusValue(handle, std::strtoull(text(0), nullptr, 10),
-                         std::strtof(text(1), nullptr),
-                         std::strtof(text(2), nullptr),
-                         std::strtof(text(3), nullptr),
-                         std::strtof(text(4), nullptr),
-                         std::strtof(text(5), nullptr),
-                         std::strtod(text(6), nullptr),
-                         std::strtod(text(7), nullptr),
-                         std::strtod(text(8), nullptr));
-      if (adaptive != nullptr) {
-        kez_adaptive_report(adaptive, std::strtoull(text(0), nullptr, 10),
-                            std::strtof(text(1), nullptr),
-                            std::strtof(text(2), nullptr),
-                            std::strtof(text(3), nullptr),
-                            std::strtof(text(4), nullptr),
-                            std::strtof(text(5), nullptr),
-                            std::strtod(text(6), nullptr),
-                            std::strtod(text(7), nullptr),
-                            std::strtod(text(8), nullptr));
+      if (status_lines) {
+        const char* const texts[9] = {text(0), text(1), text(2),
+                                      text(3), text(4), text(5),
+                                      text(6), text(7), text(8)};
+        const std::string status = StatusLineOf(texts);
+        kez_addStatusValues(handle, status.c_str());
+        if (adaptive != nullptr) kez_adaptive_report_line(adaptive, status.c_str());
+      } else {
+        kez_addStatusValue(handle, std::strtoull(text(0), nullptr, 10),
+                           std::strtof(text(1), nullptr),
+                           std::strtof(text(2), nullptr),
+                           std::strtof(text(3), nullptr),
+                           std::strtof(text(4), nullptr),
+                           std::strtof(text(5), nullptr),
+                           std::strtod(text(6), nullptr),
+                           std::strtod(text(7), nullptr),
+                           std::strtod(text(8), nullptr));
+        if (adaptive != nullptr) {
+          kez_adaptive_report(adaptive, std::strtoull(text(0), nullptr, 10),
+                              std::strtof(text(1), nullptr),
+                              std::strtof(text(2), nullptr),
+                              std::strtof(text(3), nullptr),
+                              std::strtof(text(4), nullptr),
+                              std::strtof(text(5), nullptr),
+                              std::strtod(text(6), nullptr),
+                              std::strtod(text(7), nullptr),
+                              std::strtod(text(8), nullptr));
+        }
       }
     }
     ++row;

@@ -1,6 +1,7 @@
-// The simple forecasts the forecaster has to beat: the running rates (the
-// predictor's own extrapolation, in percent) and the seasonal paths, which
-// repeat the past without looking past the forecast's start.
+// The simple forecasts the forecaster has to beat: persistence (level and
+// charging state held), the running rates (the predictor's own
+// extrapolation, in percent) and the seasonal paths, which repeat the past
+// without looking past the forecast's start.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -27,6 +28,15 @@ Log MakeLog(const std::vector<std::tuple<int64_t, double, int>>& rows) {
     log.samples.push_back(s);
   }
   return log;
+}
+
+TEST(Baselines, PersistenceKeepsLevelAndChargingState) {
+  Path p = PersistencePath(57.5, true, 3);
+  EXPECT_EQ(p.level, std::vector<double>({57.5, 57.5, 57.5}));
+  EXPECT_EQ(p.charging, std::vector<double>({1.0, 1.0, 1.0}));
+  p = PersistencePath(12.25, false, 2);
+  EXPECT_EQ(p.level, std::vector<double>({12.25, 12.25}));
+  EXPECT_EQ(p.charging, std::vector<double>({0.0, 0.0}));
 }
 
 TEST(Baselines, RunningRatesAreThePredictorsExtrapolationInPercent) {

@@ -131,6 +131,27 @@ TEST(Evaluation, TheAdaptiveForecastIsJudgedOnTheSamePairsOrNotAtAll) {
   }
 }
 
+TEST(Evaluation, PersistenceKeepsTheChargingState) {
+  // A phone on the charger the whole time, held at 80 % (a charge limit):
+  // staying as it is, the persistence baseline says "charging, 80 %" at
+  // every horizon and is exactly right, so its level error is 0 and its
+  // chance of charging (1) scores a Brier of 0 on every pair.
+  const Log log = MakeLog(4, 10, [](int64_t, double* level, bool* c) {
+    *level = 80;
+    *c = true;
+  });
+  const LogEvaluation r = Evaluate(log, SmallOptions(1, 6));
+  ASSERT_EQ(r.points.made, 13u);  // every 6 h from day 1 to day 4
+  EXPECT_TRUE(r.any_charging);
+  for (const HorizonResult& h : r.horizons) {
+    SCOPED_TRACE(h.horizon_ms / kHourMs);
+    ASSERT_GT(h.pairs, 0u);
+    EXPECT_EQ(h.charging[kPersistence].count(), h.pairs);
+    EXPECT_EQ(h.charging[kPersistence].Brier(), 0.0);
+    EXPECT_EQ(h.level[kFreeForecast][kPersistence].Mean(), 0.0);
+  }
+}
+
 TEST(Evaluation, UnlearnedForecastIsTheRunningRateBaseline) {
   // Samples 20 minutes apart, replayed as logged: every other step is a
   // gap, so no past moment is followed by a gap-free stretch and the

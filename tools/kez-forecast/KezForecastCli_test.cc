@@ -11,6 +11,9 @@
 #include <string>
 
 #include "support/CommandRun.h"
+#include "support/CsvRows.h"
+#include "support/JsonValue.h"
+#include "support/ScopedTempDir.h"
 
 namespace {
 
@@ -23,8 +26,10 @@ CliRun Shell(const std::string& command) {
 const std::string kForecast = KEZ_FORECAST_BIN;
 const std::string kSimulate = KEZ_SIMULATE_BIN;
 
+// Files of this test binary, in a directory of its own removed at exit.
 std::string TempPath(const std::string& name) {
-  return testing::TempDir() + "kez_forecast_cli_" + name;
+  static const kez_testing::ScopedTempDir dir;
+  return dir.File(name);
 }
 
 std::string ReadFile(const std::string& path) {
@@ -96,10 +101,63 @@ TEST_F(ForecastCli, ForecastPrintsTheReplayTheSourceTheAnswersAndTheTable) {
   EXPECT_EQ(std::count(csv.out.begin(), csv.out.end(), '\n'), 13);
   EXPECT_EQ(csv.out.substr(0, csv.out.find('\n')),
             "step,time_ms,time,nocharge_level_percent,nocharge_charging");
+  const auto steps = kez_testing::CsvRows(csv.out);
+  for (std::size_t k = 1; k < steps.size(); ++k) {
+    ASSERT_EQ(steps[k].size(), 5u) << k;
+    EXPECT_EQ(std::stoi(steps[k][0]), static_cast<int>(k) - 1);
+    if (k > 1) {  // 10 minutes a step
+      EXPECT_EQ(std::stoll(steps[k][1]) - std::stoll(steps[k - 1][1]), 600000);
+    }
+    const double level = std::stod(steps[k][3]);
+    EXPECT_GE(level, 0.0);
+    EXPECT_LE(level, 100.0);
+    EXPECT_EQ(std::stod(steps[k][4]), 0.0);  // not charged
+  }
   CliRun json = Shell(kForecast + " --format json --steps 6 " + log_);
   ASSERT_EQ(json.exit_code, 0) << json.out;
-  EXPECT_TRUE(Contains(json.out, "\"similar_moments\": ")) << json.out;
-  EXPECT_TRUE(Contains(json.out, "\"steps\": [")) << json.out;
+  kez_testing::JsonValue parsed;
+  ASSERT_TRUE(kez_testing::JsonValue::Parse(json.out, &parsed)) << json.out;
+  EXPECT_TRUE(parsed["learned"].boolean);
+  EXPECT_EQ(parsed["similar_moments"].number, 16);
+  EXPECT_EQ(parsed["steps"].size(), 6u);
+}
+
+// One sample, 50 % and not charging: nothing to learn from, so every variant
+// of the forecaster's own forecast (--raw) extrapolates the starting rates, -0.0983 percentage points a step while
+// not charging and +5 while charging: 49.9017, 49.8034, 49.7051 and 55, 60,
+// 65 (printed to three decimals), one step every 10 minutes.
+TEST(ForecastCliOneSample, JsonGivesTheStartingRatesFromTheOnlySample) {
+  const std::string log = TempPath("one.csv");
+  std::ofstream(log) << "time_ms,level_percent,charging\n1704067200000,50,0\n";
+  CliRun r = Shell(kForecast + " --raw --format json --steps 3 " + log);
+  ASSERT_EQ(r.exit_code, 0) << r.out;
+  kez_testing::JsonValue json;
+  ASSERT_TRUE(kez_testing::JsonValue::Parse(r.out, &json)) << r.out;
+  EXPECT_EQ(json["log"]["samples"].number, 1);
+  EXPECT_EQ(json["now"]["time_ms"].number, 1704067200000.0);
+  EXPECT_EQ(json["now"]["level_percent"].number, 50);
+  EXPECT_FALSE(json["now"]["charging"].boolean);
+  EXPECT_FALSE(json["learned"].boolean);
+  EXPECT_EQ(json["similar_moments"].number, 0);
+  EXPECT_EQ(json["distance"].number, 100);
+  const auto& steps = json["steps"];
+  ASSERT_EQ(steps.size(), 3u);
+  for (std::size_t k = 0; k < 3; ++k) {
+    SCOPED_TRACE(k);
+    const auto& s = steps[k];
+    EXPECT_EQ(s["step"].number, k);
+    EXPECT_EQ(s["time_ms"].number, 1704067200000.0 + 600000.0 * (k + 1));
+    const double falling = 50 - 0.0983 * (k + 1);
+    EXPECT_NEAR(s["free"]["level_percent"].number, falling, 0.0005);
+    EXPECT_EQ(s["free"]["charging"].number, 0);
+    EXPECT_NEAR(s["nocharge"]["level_percent"].number, falling, 0.0005);
+    EXPECT_EQ(s["charge"]["level_percent"].number, 55.0 + 5.0 * k);
+    EXPECT_EQ(s["charge"]["charging"].number, 1);
+  }
+  // No answer falls within three steps.
+  for (const auto& a : json["answers"].items) {
+    EXPECT_EQ(a["step"].kind, kez_testing::JsonValue::kNull) << a["kind"].text;
+  }
 }
 
 TEST_F(ForecastCli, StandardInputStatusLinesAndAsLoggedReplay) {

@@ -11,6 +11,8 @@
 #include <string>
 
 #include "support/CommandRun.h"
+#include "support/CsvRows.h"
+#include "support/ScopedTempDir.h"
 
 namespace {
 
@@ -22,8 +24,10 @@ CliRun Shell(const std::string& command) {
 
 const std::string kSimulate = KEZ_SIMULATE_BIN;
 
+// Files of this test binary, in a directory of its own removed at exit.
 std::string TempPath(const std::string& name) {
-  return testing::TempDir() + "kez_simulate_cli_" + name;
+  static const kez_testing::ScopedTempDir dir;
+  return dir.File(name);
 }
 
 std::string ReadFile(const std::string& path) {
@@ -53,6 +57,38 @@ TEST_F(SimulateCli, WithoutArgumentsItExplainsItself) {
   EXPECT_EQ(r.exit_code, 2);
   EXPECT_TRUE(Contains(r.out, "usage:")) << r.out;
   EXPECT_EQ(Shell(kSimulate + " --help").exit_code, 0);
+}
+
+// The 10 days from 2024-03-04 00:00 UTC (1709510400000 ms), read back as
+// numbers: nine columns, a report within the first 5 minutes, times rising
+// and within the 10 days, whole percents within 0 .. 100, charging 0 or 1,
+// and about one report every 5 minutes (the phone is off now and then).
+TEST_F(SimulateCli, CsvReportsEveryFewMinutesWithinTheDays) {
+  const auto rows = kez_testing::CsvRows(ReadFile(log_));
+  ASSERT_GT(rows.size(), 1u);
+  const long long t0 = 1709510400000LL, day = 86400000LL;
+  long long last = 0;
+  for (std::size_t k = 1; k < rows.size(); ++k) {
+    SCOPED_TRACE(k);
+    ASSERT_EQ(rows[k].size(), 9u);
+    const long long t = std::stoll(rows[k][0]);
+    if (k == 1) {
+      EXPECT_GE(t, t0);
+      EXPECT_LT(t, t0 + 5 * 60000LL);
+    } else {
+      EXPECT_GT(t, last);
+    }
+    EXPECT_LT(t, t0 + 10 * day);
+    last = t;
+    const double level = std::stod(rows[k][1]);
+    EXPECT_EQ(level, static_cast<int>(level));
+    EXPECT_GE(level, 0);
+    EXPECT_LE(level, 100);
+    EXPECT_TRUE(rows[k][2] == "0" || rows[k][2] == "1") << rows[k][2];
+  }
+  const std::size_t reports = rows.size() - 1;
+  EXPECT_LE(reports, 10u * 288u + 20u);
+  EXPECT_GE(reports, 10u * 288u * 9u / 10u);
 }
 
 TEST_F(SimulateCli, SimulateIsDeterministicAndWritesBothFormats) {

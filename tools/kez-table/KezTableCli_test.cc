@@ -10,12 +10,14 @@
 #include <string>
 
 #include "gtest/gtest.h"
+#include "support/ScopedTempDir.h"
 
 namespace {
 
+// Files of this test binary, in a directory of its own removed at exit.
 std::string Temp(const std::string& name) {
-  return ::testing::TempDir() + "kez_table_tool_" + std::to_string(getpid()) +
-         "_" + name;
+  static const kez_testing::ScopedTempDir dir;
+  return dir.File(name);
 }
 
 void Write(const std::string& path, const std::string& text) {

@@ -13,6 +13,7 @@
 #include "ParameterFile.h"
 #include "Simulator.h"
 #include "support/CommandRun.h"
+#include "support/ScopedTempDir.h"
 
 namespace {
 
@@ -26,8 +27,10 @@ const std::string kTune = KEZ_TUNE_BIN;
 const std::string kForecast = KEZ_FORECAST_BIN;
 const std::string kEval = KEZ_EVAL_BIN;
 
+// Files of this test binary, in a directory of its own removed at exit.
 std::string TempPath(const std::string& name) {
-  return testing::TempDir() + "kez_tune_cli_" + name;
+  static const kez_testing::ScopedTempDir dir;
+  return dir.File(name);
 }
 
 bool Contains(const std::string& text, const std::string& part) {

@@ -14,6 +14,7 @@
 #include "ParameterFile.h"
 #include "SmallTuneSetup.h"
 #include "WeightTuner.h"
+#include "support/ScopedTempDir.h"
 
 namespace kez_tools {
 namespace {
@@ -151,9 +152,9 @@ TEST(WeightTunerTest, WrittenParameterFileIsTheModelThatWasMeasured) {
   const TunePlan plan = SmallPlan();
   const TuneRun run = Tune(plan, SmallSearch());
   const WeightTuneResult& r = run.result;
-  const std::string path = testing::TempDir() + "kez_tune_weights.txt";
-  std::remove(path.c_str());
-  ASSERT_EQ(0, r.parameter.SaveToFile(path.c_str()));
+  const kez_testing::ScopedTempDir dir;
+  const std::string path = dir.File("weights.txt");
+  r.parameter.SaveToFile(path.c_str());  // the weights read back below
 
   vorn::MobilePowerPredictorParameter loaded;
   loaded.accuracy = -1;
@@ -176,7 +177,6 @@ TEST(WeightTunerTest, WrittenParameterFileIsTheModelThatWasMeasured) {
   ASSERT_TRUE(EvaluateModels(SmallLogs(), plan, {job}, &again, &error))
       << error;
   EXPECT_EQ(r.best_heldout.score, again[0].score);
-  std::remove(path.c_str());
 }
 
 TEST(WeightTunerTest, WeightsStayAboveTheFloorAndAsTheFileStoresThem) {

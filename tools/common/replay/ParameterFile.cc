@@ -9,6 +9,10 @@ namespace kez_tools {
 
 namespace {
 
+// The longest line, without its newline, that the library's reader
+// (MobilePowerPredictorParameter::LoadFromFile) takes as one line.
+constexpr size_t kLongestLine = 254;
+
 std::string Trim(const std::string& s) {
   size_t b = s.find_first_not_of(" \t\r");
   if (b == std::string::npos) return "";
@@ -35,7 +39,9 @@ bool LoadParameterFile(const std::string& path,
   }
   std::vector<std::string> lines;
   std::string line;
+  size_t too_long = 0;  // the first line the library would split, from 1
   while (lines.size() < 15 && std::getline(in, line)) {
+    if (too_long == 0 && line.size() > kLongestLine) too_long = lines.size() + 1;
     lines.push_back(Trim(line));
   }
   auto fail = [&](size_t number, const std::string& reason) {
@@ -44,6 +50,12 @@ bool LoadParameterFile(const std::string& path,
              "empty line, \"weight\" and eleven weights)";
     return false;
   };
+  // The library reads a line into 256 bytes with its newline: a longer line
+  // would be read as two, and every later value would shift by one line.
+  if (too_long != 0) {
+    return fail(too_long, "longer than " + std::to_string(kLongestLine) +
+                              " characters");
+  }
   if (lines.empty() || lines[0] != "accuracy") {
     return fail(1, "expected the label \"accuracy\"");
   }
