@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "predictor/MobilePowerPredictorParameter.h"
+#include "support/CliTestSupport.h"
 #include "support/CommandRun.h"
 #include "support/CsvRows.h"
 #include "support/JsonValue.h"
@@ -21,19 +22,11 @@
 namespace {
 
 using CliRun = kez_testing::CommandRun;
+using kez_testing::TempPath;
+using kez_testing::Contains;
 
 CliRun Eval(const std::string& arguments) {
   return kez_testing::RunCommand(std::string(KEZ_EVAL_BIN) + " " + arguments);
-}
-
-// Files of this test binary, in a directory of its own removed at exit.
-std::string TempPath(const std::string& name) {
-  static const kez_testing::ScopedTempDir dir;
-  return dir.File(name);
-}
-
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
 }
 
 // `days` of the same day, a sample every 5 minutes: charging 00:00-07:00,

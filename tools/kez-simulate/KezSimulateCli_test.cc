@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string>
 
+#include "support/CliTestSupport.h"
 #include "support/CommandRun.h"
 #include "support/CsvRows.h"
 #include "support/ScopedTempDir.h"
@@ -17,29 +18,12 @@
 namespace {
 
 using CliRun = kez_testing::CommandRun;
-
-CliRun Shell(const std::string& command) {
-  return kez_testing::RunCommand(command);
-}
+using kez_testing::Shell;
+using kez_testing::TempPath;
+using kez_testing::ReadFile;
+using kez_testing::Contains;
 
 const std::string kSimulate = KEZ_SIMULATE_BIN;
-
-// Files of this test binary, in a directory of its own removed at exit.
-std::string TempPath(const std::string& name) {
-  static const kez_testing::ScopedTempDir dir;
-  return dir.File(name);
-}
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 class SimulateCli : public testing::Test {
  protected:

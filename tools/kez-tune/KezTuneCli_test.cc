@@ -12,30 +12,20 @@
 #include "LogWriter.h"
 #include "ParameterFile.h"
 #include "Simulator.h"
+#include "support/CliTestSupport.h"
 #include "support/CommandRun.h"
 #include "support/ScopedTempDir.h"
 
 namespace {
 
 using CliRun = kez_testing::CommandRun;
-
-CliRun Shell(const std::string& command) {
-  return kez_testing::RunCommand(command);
-}
+using kez_testing::Shell;
+using kez_testing::TempPath;
+using kez_testing::Contains;
 
 const std::string kTune = KEZ_TUNE_BIN;
 const std::string kForecast = KEZ_FORECAST_BIN;
 const std::string kEval = KEZ_EVAL_BIN;
-
-// Files of this test binary, in a directory of its own removed at exit.
-std::string TempPath(const std::string& name) {
-  static const kez_testing::ScopedTempDir dir;
-  return dir.File(name);
-}
-
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 // A short run: 12 simulated days, 4 days of warm-up, coarse grids.
 const char kQuick[] =
