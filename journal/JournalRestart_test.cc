@@ -19,6 +19,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
@@ -78,12 +79,8 @@ std::string Forecasts(kez_handle h) {
                      out.size() * sizeof(stMobilePowerPredictionData));
 }
 
-vorn::MobilePowerPredictor* Predictor(kez_handle h) {
-  return static_cast<KEZ*>(h)->impl->predictor;
-}
-
-std::size_t SaveRates(void* h, unsigned char* out, std::size_t capacity) {
-  const vorn::MobilePowerPredictor* p = Predictor(h);
+std::size_t SaveRates(const vorn::MobilePowerPredictor* p, unsigned char* out,
+                      std::size_t capacity) {
   const double rates[4] = {p->chargeRise, p->chargeSteps, p->dischargeChange,
                            p->dischargeSteps};
   if (capacity < sizeof rates) return 0;
@@ -91,20 +88,28 @@ std::size_t SaveRates(void* h, unsigned char* out, std::size_t capacity) {
   return sizeof rates;
 }
 
-void RestoreRates(void* h, const unsigned char* data, std::size_t size) {
+void RestoreRates(vorn::MobilePowerPredictor* p, const unsigned char* data,
+                  std::size_t size) {
   double rates[4];
   if (size != sizeof rates) return;
   std::memcpy(rates, data, sizeof rates);
-  vorn::MobilePowerPredictor* p = Predictor(h);
   p->chargeRise = rates[0];
   p->chargeSteps = rates[1];
   p->dischargeChange = rates[2];
   p->dischargeSteps = rates[3];
 }
 
-// The forecaster as its journal sees it: the instance, and how much further
-// back than 31 days its memory reaches.
+// The forecaster as its journal sees it: the instance (owned here, so that
+// its predictor's rates can be saved and restored; reported to through the
+// C interface), and how much further back than 31 days its memory reaches.
 struct Host {
+  explicit Host(uint64_t extra) : extraMs(extra) { Restart(); }
+  void Restart() {
+    owned = std::make_unique<KEZ>();
+    instance = owned.get();
+  }
+
+  std::unique_ptr<KEZ> owned;
   kez_handle instance = nullptr;
   uint64_t extraMs = 0;
   uint64_t lastMs = 0;
@@ -115,10 +120,11 @@ struct Host {
     h->lastMs = r.timeMs;
   }
   static std::size_t Save(void* c, unsigned char* out, std::size_t capacity) {
-    return SaveRates(static_cast<Host*>(c)->instance, out, capacity);
+    return SaveRates(static_cast<Host*>(c)->owned->impl->predictor, out,
+                     capacity);
   }
   static void Restore(void* c, const unsigned char* data, std::size_t size) {
-    RestoreRates(static_cast<Host*>(c)->instance, data, size);
+    RestoreRates(static_cast<Host*>(c)->owned->impl->predictor, data, size);
   }
   static uint64_t Needed(void* c) {
     const Host* h = static_cast<const Host*>(c);
@@ -156,7 +162,7 @@ uint64_t RunRestarts(const std::vector<JournalRecord>& log, uint64_t extraMs,
   std::sort(restarts.begin(), restarts.end());
 
   kez_handle steady = kez_init();
-  Host restarted{kez_init(), extraMs};
+  Host restarted(extraMs);
   uint64_t rewrites = 0;
   Journal journal;
   EXPECT_EQ(journal.Open(path.c_str(), options, restarted.Journal()), KEZ_JOURNAL_OK);
@@ -166,8 +172,7 @@ uint64_t RunRestarts(const std::vector<JournalRecord>& log, uint64_t extraMs,
       ++next;
       rewrites += journal.compactions();
       EXPECT_EQ(journal.Close(), KEZ_JOURNAL_OK);
-      kez_stop(restarted.instance);
-      restarted.instance = kez_init();
+      restarted.Restart();
       EXPECT_EQ(journal.Open(path.c_str(), options, restarted.Journal()), KEZ_JOURNAL_OK);
       EXPECT_TRUE(Forecasts(restarted.instance) == Forecasts(steady))
           << "restart before report " << i << " after " << journal.replayedReports()
@@ -180,7 +185,6 @@ uint64_t RunRestarts(const std::vector<JournalRecord>& log, uint64_t extraMs,
   rewrites += journal.compactions();
   EXPECT_TRUE(Forecasts(restarted.instance) == Forecasts(steady));
   kez_stop(steady);
-  kez_stop(restarted.instance);
   return rewrites;
 }
 
