@@ -24,6 +24,7 @@
 #include "gtest/gtest.h"
 #include "journal/JournalRecord.h"
 #include "journal/JournalTestUtil.h"
+#include "journal/testing/BundledLog.h"
 #include "kez/kez.h"
 
 namespace {
@@ -36,27 +37,7 @@ using kez::JournalRecord;
 constexpr int kSteps = 144;
 
 std::vector<JournalRecord> ReadBundledLog() {
-  std::vector<JournalRecord> records;
-  std::ifstream in(std::string(KEZ_SOURCE_DIR) + "/examples/routine-35d.csv");
-  std::string line;
-  std::getline(in, line);  // header
-  while (std::getline(in, line)) {
-    std::stringstream cells(line);
-    std::string c[9];
-    for (std::string& cell : c) std::getline(cells, cell, ',');
-    JournalRecord r;
-    r.timeMs = std::strtoull(c[0].c_str(), nullptr, 10);
-    r.levelPercent = std::strtof(c[1].c_str(), nullptr);
-    r.charging = std::strtof(c[2].c_str(), nullptr);
-    r.aux1 = std::strtof(c[3].c_str(), nullptr);
-    r.aux2 = std::strtof(c[4].c_str(), nullptr);
-    r.aux3 = std::strtof(c[5].c_str(), nullptr);
-    r.countA = std::strtod(c[6].c_str(), nullptr);
-    r.countB1 = std::strtod(c[7].c_str(), nullptr);
-    r.countB2 = std::strtod(c[8].c_str(), nullptr);
-    records.push_back(r);
-  }
-  return records;
+  return journal_testing::ReadBundledLog(KEZ_SOURCE_DIR);
 }
 
 int Report(kez_adaptive* a, const JournalRecord& r) {

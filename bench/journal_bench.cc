@@ -28,6 +28,7 @@
 #include <vector>
 
 #include "journal/Journal.h"
+#include "journal/testing/BundledLog.h"
 #include "kez/kez.h"
 
 namespace {
@@ -56,27 +57,7 @@ class Folder {
 };
 
 std::vector<JournalRecord> BundledLog() {
-  std::vector<JournalRecord> records;
-  std::ifstream in(std::string(KEZ_SOURCE_DIR) + "/examples/routine-35d.csv");
-  std::string line;
-  std::getline(in, line);
-  while (std::getline(in, line)) {
-    std::stringstream cells(line);
-    std::string c[9];
-    for (std::string& cell : c) std::getline(cells, cell, ',');
-    JournalRecord r;
-    r.timeMs = std::strtoull(c[0].c_str(), nullptr, 10);
-    r.levelPercent = std::strtof(c[1].c_str(), nullptr);
-    r.charging = std::strtof(c[2].c_str(), nullptr);
-    r.aux1 = std::strtof(c[3].c_str(), nullptr);
-    r.aux2 = std::strtof(c[4].c_str(), nullptr);
-    r.aux3 = std::strtof(c[5].c_str(), nullptr);
-    r.countA = std::strtod(c[6].c_str(), nullptr);
-    r.countB1 = std::strtod(c[7].c_str(), nullptr);
-    r.countB2 = std::strtod(c[8].c_str(), nullptr);
-    records.push_back(r);
-  }
-  return records;
+  return journal_testing::ReadBundledLog(KEZ_SOURCE_DIR);
 }
 
 // The log's reports over and over, moved on in time, so that values are

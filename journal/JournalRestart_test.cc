@@ -27,6 +27,7 @@
 
 #include "gtest/gtest.h"
 #include "journal/Journal.h"
+#include "journal/testing/BundledLog.h"
 #include "journal/JournalTestUtil.h"
 #include "interface/KEZ.h"
 #include "kez/kez.h"
@@ -41,27 +42,7 @@ using journal_test::TempFolder;
 constexpr int kSteps = 144;
 
 std::vector<JournalRecord> ReadBundledLog() {
-  std::vector<JournalRecord> records;
-  std::ifstream in(std::string(KEZ_SOURCE_DIR) + "/examples/routine-35d.csv");
-  std::string line;
-  std::getline(in, line);  // header: time_ms,level_percent,charging,aux1..countB2
-  while (std::getline(in, line)) {
-    std::stringstream cells(line);
-    std::string c[9];
-    for (std::string& cell : c) std::getline(cells, cell, ',');
-    JournalRecord r;
-    r.timeMs = std::strtoull(c[0].c_str(), nullptr, 10);
-    r.levelPercent = std::strtof(c[1].c_str(), nullptr);
-    r.charging = std::strtof(c[2].c_str(), nullptr);
-    r.aux1 = std::strtof(c[3].c_str(), nullptr);
-    r.aux2 = std::strtof(c[4].c_str(), nullptr);
-    r.aux3 = std::strtof(c[5].c_str(), nullptr);
-    r.countA = std::strtod(c[6].c_str(), nullptr);
-    r.countB1 = std::strtod(c[7].c_str(), nullptr);
-    r.countB2 = std::strtod(c[8].c_str(), nullptr);
-    records.push_back(r);
-  }
-  return records;
+  return journal_testing::ReadBundledLog(KEZ_SOURCE_DIR);
 }
 
 void Report(kez_handle h, const JournalRecord& r) {

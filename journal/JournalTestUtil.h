@@ -16,27 +16,18 @@
 
 #include "gtest/gtest.h"
 #include "journal/Journal.h"
+#include "support/ScopedTempDir.h"
 
 namespace journal_test {
 
 // A folder made with mkdtemp, removed with everything in it at the end.
 class TempFolder {
  public:
-  TempFolder() {
-    std::string pattern = ::testing::TempDir() + "kez_journal_XXXXXX";
-    std::vector<char> name(pattern.begin(), pattern.end());
-    name.push_back('\0');
-    if (::mkdtemp(name.data()) != nullptr) path_ = name.data();
-  }
-  ~TempFolder() {
-    std::error_code ec;
-    if (!path_.empty()) std::filesystem::remove_all(path_, ec);
-  }
-  bool ok() const { return !path_.empty(); }
-  std::string Path(const std::string& name) const { return path_ + "/" + name; }
+  bool ok() const { return !dir_.path().empty(); }
+  std::string Path(const std::string& name) const { return dir_.File(name); }
 
  private:
-  std::string path_;
+  kez_testing::ScopedTempDir dir_;
 };
 
 inline void WriteText(const std::string& path, const std::string& text) {

@@ -111,8 +111,9 @@ static void check_adaptive(void) {
  * opened again, it forecasts exactly as one that never stopped. */
 static void check_journal(void) {
   stMobilePowerPredictionData kept[STEPS], reopened[STEPS];
-  char folder[] = "/tmp/kez_api_c_test_XXXXXX";
-  char path[64];
+  char folder[256];
+  char path[320];
+  const char* base = getenv("TMPDIR");
   uint64_t start = 1700000000000ULL - (1700000000000ULL % DAY_MS);
   uint64_t t;
   kez_adaptive *a, *steady, *second;
@@ -122,6 +123,8 @@ static void check_journal(void) {
   CHECK(status == KEZ_JOURNAL_CANNOT_OPEN);
   CHECK(kez_adaptive_sync(NULL) == -1);
   CHECK(kez_adaptive_journal_count(NULL, KEZ_JOURNAL_UNSAFE) == -1);
+  snprintf(folder, sizeof folder, "%s/kez_api_c_test_XXXXXX",
+           base != NULL && base[0] != '\0' ? base : "/tmp");
   if (mkdtemp(folder) == NULL) {
     CHECK(!"mkdtemp");
     return;

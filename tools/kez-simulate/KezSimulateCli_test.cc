@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -92,8 +93,8 @@ TEST_F(SimulateCli, SimulateIsDeterministicAndWritesBothFormats) {
 }
 
 TEST_F(SimulateCli, UsersWritesAFleetFolder) {
-  std::string dir = testing::TempDir() + "kez_simulate_fleet_XXXXXX";
-  ASSERT_NE(mkdtemp(&dir[0]), nullptr);
+  const std::string dir = TempPath("fleet");
+  ASSERT_EQ(mkdir(dir.c_str(), 0700), 0);
   ASSERT_EQ(Shell(kSimulate + " --users 3 --days 5 --seed 4 -o " + dir + "/a")
                 .exit_code,
             0);

@@ -11,16 +11,16 @@
 #include <vector>
 
 #include "CommonOptions.h"
+#include "support/ScopedTempDir.h"
 
 namespace kez_tools {
 namespace {
 
+// This test binary's own directory, removed at exit.
 std::string TempDir() {
-  std::string pattern = testing::TempDir() + "kez_common_options_XXXXXX";
-  std::vector<char> name(pattern.begin(), pattern.end());
-  name.push_back('\0');
-  EXPECT_NE(mkdtemp(name.data()), nullptr);
-  return name.data();
+  static const kez_testing::ScopedTempDir dir;
+  EXPECT_FALSE(dir.path().empty());
+  return dir.path();
 }
 
 // Takes every argument as the tools do; the ones not taken are returned.
@@ -72,7 +72,6 @@ TEST(CommonOptions, ReadingFromTheCommandLineOverAMappingFile) {
                                      &error));
   EXPECT_EQ(error.rfind(dir + "/missing.map: cannot open: ", 0), 0u) << error;
   std::remove(map.c_str());
-  rmdir(dir.c_str());
 }
 
 TEST(CommonOptions, ReadingOptionTyposAreUsageErrors) {
@@ -143,7 +142,6 @@ TEST(ToolMessages, SaysHowALogWasReadUnlessItIsTheToolsOwn) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   std::remove(aware.c_str());
   std::remove(own.c_str());
-  rmdir(dir.c_str());
 }
 
 }  // namespace
